@@ -1,0 +1,36 @@
+// String distances on 100- and 10,000-unit texts that share most of their words.
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <string>
+
+#include "bench_inputs.h"
+#include "strings/string_distance.h"
+
+namespace {
+
+std::u16string widened(const std::string& ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
+template <double (*Distance)(std::u16string_view, std::u16string_view)>
+void BM_Distance(benchmark::State& state) {
+  const auto length = static_cast<std::size_t>(state.range(0));
+  const std::u16string a = widened(zel::bench::asciiText(length));
+  std::u16string b = a;
+  for (std::size_t i = 7; i + 1 < b.size(); i += 13) std::swap(b[i], b[i + 1]);
+  b.insert(b.size() / 2, u"inserted ");
+  for (auto _ : state) benchmark::DoNotOptimize(Distance(a, b));
+  state.SetBytesProcessed(
+      static_cast<std::int64_t>(state.iterations() * (a.size() + b.size()) * 2));
+}
+BENCHMARK(BM_Distance<zel::strings::levenshteinDistance>)
+    ->Name("BM_Levenshtein")
+    ->Arg(100)
+    ->Arg(10000);
+BENCHMARK(BM_Distance<zel::strings::jaroWinklerDistance>)
+    ->Name("BM_JaroWinkler")
+    ->Arg(100)
+    ->Arg(10000);
+
+}  // namespace

@@ -1,0 +1,101 @@
+// Styled text to RTF and back, over prose cut into runs of changing style.
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <vector>
+
+#include "bench_inputs.h"
+#include "styledtext/rtf_reader.h"
+#include "styledtext/rtf_writer.h"
+
+namespace {
+
+using zel::styledtext::RunStyle;
+using zel::styledtext::RunText;
+using zel::styledtext::StyleRunRecord;
+
+std::u16string utf16FromUtf8(std::string_view utf8) {
+  std::u16string out;
+  out.reserve(utf8.size());
+  for (std::size_t at = 0; at < utf8.size();) {
+    const auto lead = static_cast<unsigned char>(utf8[at]);
+    const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    char32_t c = length == 1 ? lead : lead & (0x7F >> length);
+    for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (utf8[at + i] & 0x3F);
+    at += length;
+    if (c < 0x10000) {
+      out += static_cast<char16_t>(c);
+    } else {
+      out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
+      out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
+    }
+  }
+  return out;
+}
+
+// Runs of about 200 characters cycling through fonts, colours, sizes, toggles and alignments.
+std::vector<StyleRunRecord> styledRuns(std::string_view utf8) {
+  static const char* const kFonts[] = {"Arial", "Times New Roman", "Courier"};
+  const std::u16string text = utf16FromUtf8(utf8);
+  std::vector<StyleRunRecord> runs;
+  for (std::size_t at = 0, index = 0; at < text.size(); at += 200, ++index) {
+    StyleRunRecord run;
+    run.bold = index % 2 == 1;
+    run.italic = index % 3 == 1;
+    run.underline = index % 5 == 1;
+    run.textColor = static_cast<std::uint32_t>(index % 7) * 0x252525;
+    run.size = 10 + static_cast<std::int64_t>(index % 4);
+    run.alignment = static_cast<std::int64_t>(index / 4 % 4);
+    run.font = kFonts[index % 3];
+    run.text = text.substr(at, 200);
+    runs.push_back(std::move(run));
+  }
+  return runs;
+}
+
+class CountingSink : public zel::styledtext::StyledTextSink {
+ public:
+  void clear() override { runs_ = 0; }
+  std::int64_t paragraphCount() override { return runs_; }
+  void appendStyleRun(const RunStyle&, const RunText&) override { ++runs_; }
+  void setParagraphAlignment(std::int64_t, std::int64_t) override {}
+
+ private:
+  std::int64_t runs_ = 0;
+};
+
+void writeRtf(benchmark::State& state, const std::string& input) {
+  const std::vector<StyleRunRecord> runs = styledRuns(input);
+  for (auto _ : state) benchmark::DoNotOptimize(zel::styledtext::writeRtf(runs));
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size()));
+}
+
+void readRtf(benchmark::State& state, const std::string& input) {
+  const std::string rtf = zel::styledtext::writeRtf(styledRuns(input));
+  CountingSink sink;
+  for (auto _ : state) {
+    zel::styledtext::readRtf(rtf, sink);
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * rtf.size()));
+}
+
+void BM_RtfWriteAscii(benchmark::State& state) {
+  writeRtf(state, zel::bench::asciiText(static_cast<std::size_t>(state.range(0))));
+}
+void BM_RtfWriteUtf8(benchmark::State& state) {
+  writeRtf(state, zel::bench::utf8Text(static_cast<std::size_t>(state.range(0))));
+}
+void BM_RtfReadAscii(benchmark::State& state) {
+  readRtf(state, zel::bench::asciiText(static_cast<std::size_t>(state.range(0))));
+}
+void BM_RtfReadUtf8(benchmark::State& state) {
+  readRtf(state, zel::bench::utf8Text(static_cast<std::size_t>(state.range(0))));
+}
+
+BENCHMARK(BM_RtfWriteAscii)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
+BENCHMARK(BM_RtfWriteUtf8)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
+BENCHMARK(BM_RtfReadAscii)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
+BENCHMARK(BM_RtfReadUtf8)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
+
+}  // namespace

@@ -1,0 +1,334 @@
+#include "encodings.h"
+
+#include <iconv.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <map>
+
+#include "sdk/host_types.h"
+
+namespace zelhost::detail {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+
+enum class Form { Utf8, Utf16LE, Utf16BE, Utf32LE, Utf32BE, SingleByte, None };
+
+// The host's native byte order is little-endian.
+Form formOf(std::uint32_t encoding) {
+  switch (encoding) {
+    case encoding::kUTF8:
+      return Form::Utf8;
+    case encoding::kUTF16:
+    case encoding::kUTF16LE:
+      return Form::Utf16LE;
+    case encoding::kUTF16BE:
+      return Form::Utf16BE;
+    case encoding::kUTF32:
+    case encoding::kUTF32LE:
+      return Form::Utf32LE;
+    case encoding::kUTF32BE:
+      return Form::Utf32BE;
+    case encoding::kASCII:
+    case encoding::kISOLatin1:
+    case encoding::kWindowsLatin1:
+    case encoding::kMacRoman:
+      return Form::SingleByte;
+    case encoding::kNone:
+      return Form::SingleByte;
+    default:
+      return Form::None;
+  }
+}
+
+// One code page as 256 code points (U+FFFD where the page defines nothing) and its inverse.
+struct CodePage {
+  std::array<char32_t, 256> toUnicode{};
+  std::map<char32_t, unsigned char> fromUnicode;
+};
+
+CodePage loadCodePage(const char* iconvName) {
+  CodePage page;
+  const iconv_t converter = iconv_open("UTF-32LE", iconvName);
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    char in = static_cast<char>(byte);
+    std::array<unsigned char, 8> out{};
+    char* inPointer = &in;
+    char* outPointer = reinterpret_cast<char*>(out.data());
+    std::size_t inLeft = 1;
+    std::size_t outLeft = out.size();
+    iconv(converter, nullptr, nullptr, nullptr, nullptr);
+    const bool converted = converter != reinterpret_cast<iconv_t>(-1) &&
+                           iconv(converter, &inPointer, &inLeft, &outPointer, &outLeft) == 0 &&
+                           outLeft == 4;
+    page.toUnicode[byte] =
+        converted ? static_cast<char32_t>(out[0] | out[1] << 8 | out[2] << 16 | out[3] << 24)
+                  : kReplacement;
+    if (converted) page.fromUnicode.emplace(page.toUnicode[byte], static_cast<unsigned char>(byte));
+  }
+  if (converter != reinterpret_cast<iconv_t>(-1)) iconv_close(converter);
+  return page;
+}
+
+const CodePage& codePage(std::uint32_t encoding) {
+  static const CodePage ascii = loadCodePage("ASCII");
+  static const CodePage latin1 = loadCodePage("ISO-8859-1");
+  static const CodePage windowsLatin1 = loadCodePage("CP1252");
+  static const CodePage macRoman = loadCodePage("MACINTOSH");
+  switch (encoding) {
+    case encoding::kASCII:
+      return ascii;
+    case encoding::kISOLatin1:
+      return latin1;
+    case encoding::kMacRoman:
+      return macRoman;
+    default:
+      return windowsLatin1;
+  }
+}
+
+bool isScalar(char32_t c) {
+  return c < 0xD800 || (c > 0xDFFF && c <= 0x10FFFF);
+}
+
+// Each maximal ill-formed subpart becomes one U+FFFD.
+void decodeUtf8(std::string_view bytes, std::u32string& out) {
+  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  std::size_t i = 0;
+  while (i < bytes.size()) {
+    const unsigned lead = byteAt(i);
+    if (lead < 0x80) {
+      out.push_back(lead);
+      ++i;
+      continue;
+    }
+    std::size_t trailing = 0;
+    unsigned low = 0x80;
+    unsigned high = 0xBF;
+    char32_t value = 0;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+      trailing = 1;
+      value = lead & 0x1F;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+      trailing = 2;
+      value = lead & 0x0F;
+      if (lead == 0xE0) low = 0xA0;
+      if (lead == 0xED) high = 0x9F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+      trailing = 3;
+      value = lead & 0x07;
+      if (lead == 0xF0) low = 0x90;
+      if (lead == 0xF4) high = 0x8F;
+    } else {
+      out.push_back(kReplacement);
+      ++i;
+      continue;
+    }
+    std::size_t taken = 1;
+    bool complete = true;
+    for (; taken <= trailing; ++taken) {
+      if (i + taken >= bytes.size()) {
+        complete = false;
+        break;
+      }
+      const unsigned next = byteAt(i + taken);
+      const unsigned allowedLow = taken == 1 ? low : 0x80;
+      const unsigned allowedHigh = taken == 1 ? high : 0xBF;
+      if (next < allowedLow || next > allowedHigh) {
+        complete = false;
+        break;
+      }
+      value = value << 6 | (next & 0x3F);
+    }
+    out.push_back(complete ? value : kReplacement);
+    i += taken;
+  }
+}
+
+unsigned unitAt(std::string_view bytes, std::size_t offset, std::size_t width, bool bigEndian) {
+  unsigned value = 0;
+  for (std::size_t k = 0; k < width; ++k) {
+    const unsigned byte = static_cast<unsigned char>(bytes[offset + k]);
+    value |= byte << (8 * (bigEndian ? width - 1 - k : k));
+  }
+  return value;
+}
+
+void decodeUtf16(std::string_view bytes, bool bigEndian, std::u32string& out) {
+  const std::size_t units = bytes.size() / 2;
+  for (std::size_t i = 0; i < units; ++i) {
+    const char32_t unit = unitAt(bytes, 2 * i, 2, bigEndian);
+    if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units) {
+      const char32_t next = unitAt(bytes, 2 * (i + 1), 2, bigEndian);
+      if (next >= 0xDC00 && next <= 0xDFFF) {
+        out.push_back(0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
+        ++i;
+        continue;
+      }
+    }
+    out.push_back(unit >= 0xD800 && unit <= 0xDFFF ? kReplacement : unit);
+  }
+  if (bytes.size() % 2 != 0) out.push_back(kReplacement);
+}
+
+void decodeUtf32(std::string_view bytes, bool bigEndian, std::u32string& out) {
+  const std::size_t units = bytes.size() / 4;
+  for (std::size_t i = 0; i < units; ++i) {
+    const char32_t value = unitAt(bytes, 4 * i, 4, bigEndian);
+    out.push_back(isScalar(value) ? value : kReplacement);
+  }
+  if (bytes.size() % 4 != 0) out.push_back(kReplacement);
+}
+
+void appendUnit(std::string& out, char32_t unit, std::size_t width, bool bigEndian) {
+  for (std::size_t k = 0; k < width; ++k) {
+    const std::size_t shift = 8 * (bigEndian ? width - 1 - k : k);
+    out.push_back(static_cast<char>((unit >> shift) & 0xFF));
+  }
+}
+
+void encodeUtf8(char32_t c, std::string& out) {
+  if (c < 0x80) {
+    out.push_back(static_cast<char>(c));
+  } else if (c < 0x800) {
+    out.push_back(static_cast<char>(0xC0 | c >> 6));
+    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+  } else if (c < 0x10000) {
+    out.push_back(static_cast<char>(0xE0 | c >> 12));
+    out.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+  } else {
+    out.push_back(static_cast<char>(0xF0 | c >> 18));
+    out.push_back(static_cast<char>(0x80 | (c >> 12 & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
+    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
+  }
+}
+
+}  // namespace
+
+bool isConvertible(std::uint32_t encoding) {
+  return formOf(encoding) != Form::None;
+}
+
+std::u32string decodeText(std::string_view bytes, std::uint32_t encoding) {
+  std::u32string out;
+  out.reserve(bytes.size());
+  switch (formOf(encoding)) {
+    case Form::Utf8:
+      decodeUtf8(bytes, out);
+      break;
+    case Form::Utf16LE:
+      decodeUtf16(bytes, false, out);
+      break;
+    case Form::Utf16BE:
+      decodeUtf16(bytes, true, out);
+      break;
+    case Form::Utf32LE:
+      decodeUtf32(bytes, false, out);
+      break;
+    case Form::Utf32BE:
+      decodeUtf32(bytes, true, out);
+      break;
+    case Form::SingleByte: {
+      const CodePage& page = codePage(encoding);
+      for (const char byte : bytes) out.push_back(page.toUnicode[static_cast<unsigned char>(byte)]);
+      break;
+    }
+    case Form::None:
+      break;
+  }
+  return out;
+}
+
+std::string encodeText(std::u32string_view text, std::uint32_t encoding) {
+  std::string out;
+  out.reserve(text.size());
+  const Form form = formOf(encoding);
+  for (const char32_t c : text) {
+    switch (form) {
+      case Form::Utf8:
+        encodeUtf8(c, out);
+        break;
+      case Form::Utf16LE:
+      case Form::Utf16BE:
+        if (c >= 0x10000) {
+          appendUnit(out, 0xD800 + ((c - 0x10000) >> 10), 2, form == Form::Utf16BE);
+          appendUnit(out, 0xDC00 + ((c - 0x10000) & 0x3FF), 2, form == Form::Utf16BE);
+        } else {
+          appendUnit(out, c, 2, form == Form::Utf16BE);
+        }
+        break;
+      case Form::Utf32LE:
+      case Form::Utf32BE:
+        appendUnit(out, c, 4, form == Form::Utf32BE);
+        break;
+      case Form::SingleByte: {
+        const CodePage& page = codePage(encoding);
+        const auto found = page.fromUnicode.find(c);
+        out.push_back(found == page.fromUnicode.end() ? '?' : static_cast<char>(found->second));
+        break;
+      }
+      case Form::None:
+        break;
+    }
+  }
+  return out;
+}
+
+std::optional<std::string> convertBytes(std::string_view bytes, std::uint32_t from,
+                                        std::uint32_t to) {
+  if (!isConvertible(from) || !isConvertible(to)) return std::nullopt;
+  if (to == encoding::kNone || from == to) return std::string(bytes);
+  return encodeText(decodeText(bytes, from), to);
+}
+
+bool isValidIn(std::string_view bytes, std::uint32_t encoding) {
+  if (encoding == encoding::kNone) {
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+  }
+  if (!isConvertible(encoding)) return false;
+  const std::u32string text = decodeText(bytes, encoding);
+  if (std::find(text.begin(), text.end(), kReplacement) == text.end()) return true;
+  // A genuine U+FFFD in the source is valid; only replacements made while reading are not.
+  return encodeText(text, encoding) == bytes;
+}
+
+std::string encodingName(std::uint32_t encoding) {
+  switch (encoding) {
+    case encoding::kMacRoman:
+      return "Mac Roman";
+    case encoding::kUTF16:
+      return "UTF-16";
+    case encoding::kISOLatin1:
+      return "ISO Latin 1";
+    case encoding::kWindowsLatin1:
+      return "Windows Latin 1";
+    case encoding::kASCII:
+      return "ASCII";
+    case encoding::kUTF8:
+      return "UTF-8";
+    case encoding::kUTF32:
+      return "UTF-32";
+    case encoding::kUTF16BE:
+      return "UTF-16BE";
+    case encoding::kUTF16LE:
+      return "UTF-16LE";
+    case encoding::kUTF32BE:
+      return "UTF-32BE";
+    case encoding::kUTF32LE:
+      return "UTF-32LE";
+    case encoding::kNone:
+      return "no encoding";
+    default: {
+      std::array<char, 16> text{};
+      std::snprintf(text.data(), text.size(), "0x%X", encoding);
+      return text.data();
+    }
+  }
+}
+
+}  // namespace zelhost::detail

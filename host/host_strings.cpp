@@ -1,0 +1,143 @@
+#include "host_strings.h"
+
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <string>
+#include <unordered_set>
+
+#include "encodings.h"
+#include "service_table.h"
+#include "stand_in_host.h"
+
+namespace zelhost {
+namespace detail {
+namespace {
+
+constexpr std::uint32_t kStringMagic = 0x53545247;
+constexpr std::size_t kSlack = 4;
+
+std::mutex registryMutex;
+std::unordered_set<const StringHeader*>& registry() {
+  static std::unordered_set<const StringHeader*> live;
+  return live;
+}
+
+StringHeader* header(REALstring s) {
+  return reinterpret_cast<StringHeader*>(s);
+}
+
+void destroy(StringHeader* string) {
+  if (string->detached) delete[] string->bytes;
+  string->~StringHeader();
+  ::operator delete(static_cast<void*>(string));
+}
+
+std::string describe(const char* context, REALstring s) {
+  return std::string(context) + ": not a live string " +
+         std::to_string(reinterpret_cast<std::uintptr_t>(s));
+}
+
+}  // namespace
+
+REALstring createString(std::string_view bytes, std::uint32_t encoding, bool detached) {
+  const std::size_t blockSize = kInlineBytesOffset + (detached ? 0 : bytes.size() + kSlack);
+  void* block = ::operator new(blockSize);
+  std::memset(block, 0, blockSize);
+  char* storage =
+      detached ? new char[bytes.size() + kSlack]() : static_cast<char*>(block) + kInlineBytesOffset;
+  if (!bytes.empty()) std::memcpy(storage, bytes.data(), bytes.size());
+  auto* string =
+      new (block) StringHeader{kStringMagic, encoding, 1, detached, bytes.size(), storage};
+  const std::lock_guard lock(registryMutex);
+  registry().insert(string);
+  return reinterpret_cast<REALstring>(string);
+}
+
+StringHeader* liveString(REALstring s, const char* context) {
+  {
+    const std::lock_guard lock(registryMutex);
+    if (registry().contains(header(s))) return header(s);
+  }
+  reportProtocolError(describe(context, s));
+  return nullptr;
+}
+
+void retainString(REALstring s, const char* context) {
+  const std::lock_guard lock(registryMutex);
+  if (registry().contains(header(s))) {
+    ++header(s)->references;
+    return;
+  }
+  reportProtocolError(describe(context, s));
+}
+
+void releaseString(REALstring s, const char* context) {
+  StringHeader* string = header(s);
+  {
+    const std::lock_guard lock(registryMutex);
+    if (!registry().contains(string)) {
+      reportProtocolError(describe(context, s));
+      return;
+    }
+    if (--string->references > 0) return;
+    registry().erase(string);
+  }
+  destroy(string);
+}
+
+int liveStringCount() {
+  const std::lock_guard lock(registryMutex);
+  return static_cast<int>(registry().size());
+}
+
+}  // namespace detail
+
+REALstring makeString(std::string_view bytes, std::uint32_t encoding) {
+  return detail::createString(bytes, encoding);
+}
+
+REALstring makeDetachedString(std::string_view bytes, std::uint32_t encoding) {
+  return detail::createString(bytes, encoding, true);
+}
+
+std::string stringBytes(REALstring s) {
+  if (s == nullptr) return {};
+  const detail::StringHeader* string = detail::liveString(s, "stringBytes");
+  return string ? std::string(string->view()) : std::string();
+}
+
+std::uint32_t stringEncoding(REALstring s) {
+  if (s == nullptr) return encoding::kNone;
+  const detail::StringHeader* string = detail::liveString(s, "stringEncoding");
+  return string ? string->encoding : encoding::kNone;
+}
+
+std::string convertToUtf8(REALstring s) {
+  if (s == nullptr) return {};
+  const detail::StringHeader* string = detail::liveString(s, "convertToUtf8");
+  if (string == nullptr) return {};
+  return detail::convertBytes(string->view(), string->encoding, encoding::kUTF8).value_or("");
+}
+
+const void* stringStorage(REALstring s) {
+  if (s == nullptr) return nullptr;
+  const detail::StringHeader* string = detail::liveString(s, "stringStorage");
+  return string ? string->bytes : nullptr;
+}
+
+void retain(REALstring s) {
+  if (s != nullptr) detail::retainString(s, "retain");
+}
+
+void release(REALstring s) {
+  if (s != nullptr) detail::releaseString(s, "release");
+}
+
+int referenceCount(REALstring s) {
+  if (s == nullptr) return 0;
+  const std::lock_guard lock(detail::registryMutex);
+  return detail::registry().contains(detail::header(s)) ? detail::header(s)->references : 0;
+}
+
+}  // namespace zelhost

@@ -1,0 +1,61 @@
+#include "bridge/host_string_bytes.h"
+
+#include "bridge/memory_block.h"
+#include "framework/debug_log.h"
+#include "framework/host_api.h"
+
+namespace zel {
+
+HostStringBytes::HostStringBytes(REALstring s) noexcept : string_(s) {
+  if (s == nullptr) return;
+  host::REALLockString(s);
+  RBInteger length = 0;
+  data_ = host::StringGetCString(s, &length);
+  size_ = length > 0 ? static_cast<std::size_t>(length) : 0;
+  fixNullData();
+}
+
+HostStringBytes::HostStringBytes(REALstring s, std::uint32_t encoding) noexcept : string_(s) {
+  if (s == nullptr) return;
+  host::REALLockString(s);
+  if (!host::PluginGetStringData(s, encoding, &stringData_)) {
+    if (debugEnabled()) debugLogLabel("REALGetStringData failed.");
+    return;
+  }
+  stringDataHeld_ = true;
+  data_ = static_cast<const char*>(stringData_.data);
+  size_ = stringData_.length;
+  fixNullData();
+}
+
+HostStringBytes::HostStringBytes(REALobject block) noexcept : object_(block) {
+  if (block == nullptr) return;
+  host::REALLockObject(block);
+  data_ = static_cast<const char*>(memoryBlockData(block));
+  const RBInteger size = memoryBlockSize(block);
+  size_ = size > 0 ? static_cast<std::size_t>(size) : 0;
+  fixNullData();
+}
+
+void HostStringBytes::fixNullData() noexcept {
+  if (data_ != nullptr || size_ == 0) return;
+  size_ = 0;
+  if (debugEnabled()) debugLogLabel("data is NULL, so size fixed to zero.");
+}
+
+void HostStringBytes::close() noexcept {
+  if (string_ != nullptr) host::REALUnlockString(string_);
+  if (object_ != nullptr) host::REALUnlockObject(object_);
+  if (stringDataHeld_) {
+    if (debugEnabled()) debugLogLabel("REALDisposeStringData");
+    host::PluginDisposeStringData(&stringData_);
+  }
+  string_ = nullptr;
+  object_ = nullptr;
+  stringData_ = {};
+  stringDataHeld_ = false;
+  data_ = nullptr;
+  size_ = 0;
+}
+
+}  // namespace zel

@@ -1,0 +1,132 @@
+#include "bridge/memory_block.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+
+#include "framework/debug_log.h"
+#include "framework/exceptions.h"
+#include "framework/host_api.h"
+
+namespace zel {
+namespace {
+
+using DataMethod = void* (*)(REALobject);
+using Constructor = void (*)(REALobject, RBInteger);
+
+// Both methods are the same for every block; a failed lookup is tried again next time.
+std::atomic<void*> cachedDataMethod{nullptr};
+std::atomic<void*> cachedConstructor{nullptr};
+
+template <class Method>
+Method loadMethod(std::atomic<void*>& slot, REALobject block, const char* declaration) noexcept {
+  void* method = slot.load(std::memory_order_acquire);
+  if (method == nullptr) {
+    method = host::REALLoadObjectMethod(block, declaration);
+    if (method != nullptr) slot.store(method, std::memory_order_release);
+  }
+  return reinterpret_cast<Method>(method);
+}
+
+struct Construction {
+  RBInteger size;
+  REALobject block;
+};
+
+void constructBlock(void* context) noexcept {
+  auto& construction = *static_cast<Construction*>(context);
+  REALobject instance = host::PluginNewInstance("MemoryBlock");
+  if (instance == nullptr) return;
+  const auto constructor =
+      loadMethod<Constructor>(cachedConstructor, instance, "Constructor(bytes as Integer)");
+  if (constructor == nullptr) {
+    host::REALUnlockObject(instance);
+    return;
+  }
+  constructor(instance, construction.size);
+  if (memoryBlockSize(instance) < construction.size) {
+    host::REALUnlockObject(instance);
+    return;
+  }
+  construction.block = instance;
+}
+
+void raiseBlockFailure(RBInteger length) noexcept {
+  char message[200];
+  std::snprintf(message, sizeof message,
+                "Failed to allocate a memoryblock with %lld bytes in size.",
+                static_cast<long long>(length));
+  RaiseHostException("OutOfMemoryException", message);
+}
+
+}  // namespace
+
+void* memoryBlockData(REALobject block) noexcept {
+  if (block == nullptr) return nullptr;
+  const auto method = loadMethod<DataMethod>(cachedDataMethod, block, "Operator_Convert() As Ptr");
+  return method == nullptr ? nullptr : method(block);
+}
+
+RBInteger memoryBlockSize(REALobject block) noexcept {
+  RBInteger size = 0;
+  if (block == nullptr || !host::REALGetPropValueInteger(block, "Size", &size)) return 0;
+  return size;
+}
+
+REALobject newMemoryBlock(RBInteger size) noexcept {
+  if (size < 0) return nullptr;
+  Construction construction{size, nullptr};
+  REALobject raised = host::PluginCallFunctionWithExceptionHandler(constructBlock, &construction);
+  if (raised != nullptr) host::REALUnlockObject(raised);
+  return construction.block;
+}
+
+REALobject REALBuildMemoryblock(const void* bytes, RBInteger length) noexcept {
+  if (bytes == nullptr || length <= 0) return nullptr;
+  try {
+    REALobject block = newMemoryBlock(length);
+    void* data = memoryBlockData(block);
+    if (data == nullptr) {
+      if (block != nullptr) host::REALUnlockObject(block);
+      if (debugEnabled()) debugLogInt64("Error: Failed to allocate memoryblock", length);
+      raiseBlockFailure(length);
+      return nullptr;
+    }
+    std::memcpy(data, bytes, static_cast<std::size_t>(length));
+    return block;
+  } catch (const std::exception& failure) {
+    if (debugEnabled()) debugLogText("Got C++ exception in REALBuildMemoryblock:", failure.what());
+  } catch (...) {
+    if (debugEnabled()) debugLogText("Got C++ exception in REALBuildMemoryblock:", "");
+  }
+  raiseBlockFailure(length);
+  return nullptr;
+}
+
+void MemoryBlockView::release() noexcept {
+  if (block != nullptr) host::REALUnlockObject(block);
+  block = nullptr;
+  data = nullptr;
+  size = 0;
+}
+
+void openMemoryBlockView(MemoryBlockView& view, REALobject block, RBInteger offset,
+                         RBInteger size) noexcept {
+  view.release();
+  view.size = size;
+  if (block != nullptr) {
+    host::REALLockObject(block);
+    view.block = block;
+    if (size == 0) view.size = std::max<RBInteger>(memoryBlockSize(block), 0);
+    if (auto* data = static_cast<const std::uint8_t*>(memoryBlockData(block))) {
+      view.data = data + offset;
+    }
+  }
+  if (view.data == nullptr && view.size != 0) {
+    view.size = 0;
+    if (debugEnabled()) debugLogLabel("data is NULL, so size fixed to zero.");
+  }
+}
+
+}  // namespace zel

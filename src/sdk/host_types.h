@@ -1,0 +1,267 @@
+// The host's plug-in interface in binary terms: value types, definition records, string-data
+// record, encodings and flags. Written from the interface description; the host ships no header
+// with this project.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+using RBInteger = std::intptr_t;
+using RBInt64 = std::int64_t;
+using RBUInt64 = std::uint64_t;
+using RBBoolean = std::int8_t;
+using RBColor = std::uint32_t;
+
+struct REALstringStruct;
+struct REALobjectStruct;
+struct REALarrayStruct;
+using REALstring = REALstringStruct*;
+using REALobject = REALobjectStruct*;
+using REALarray = REALarrayStruct*;
+
+// The generic code address stored in definition records.
+using REALproc = void (*)();
+
+struct REALattribute {
+  const char* name;
+  const char* value;
+};
+
+struct REALmethodDefinition {
+  REALproc function;
+  REALproc setterFunction;
+  const char* declaration;
+  std::uint32_t mFlags;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+struct REALproperty {
+  const char* group;
+  const char* name;
+  const char* type;
+  std::uint32_t flags;
+  REALproc getter;
+  REALproc setter;
+  std::int32_t param;
+  REALproc editor;
+  std::size_t enumCount;
+  const char** enumEntries;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+struct REALevent {
+  const char* declaration;
+  RBInteger forSystemUse;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+struct REALeventInstance {
+  const char* name;
+  REALproc implementation;
+};
+
+struct REALconstant {
+  const char* declaration;
+  void* reserved;
+  std::uint32_t flags;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+struct REALdelegate {
+  const char* declaration;
+  std::uint32_t flags;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+struct REALstructure {
+  const char* name;
+  std::uint32_t flags;
+  const char** fields;
+  std::size_t numFields;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+struct REALenum {
+  const char* name;
+  const char* type;
+  std::uint32_t flags;
+  const char** fields;
+  std::size_t numFields;
+  std::size_t attributeCount;
+  REALattribute* attributes;
+};
+
+// Also the record of a class extension.
+struct REALclassDefinition {
+  std::uint32_t version;
+  const char* name;
+  const char* superName;
+  std::size_t dataSize;
+  RBInteger forSystemUse;
+  REALproc constructor;
+  REALproc destructor;
+  REALproperty* properties;
+  std::size_t propertyCount;
+  REALmethodDefinition* methods;
+  std::size_t methodCount;
+  REALevent* events;
+  std::size_t eventCount;
+  REALeventInstance* eventInstances;
+  std::size_t eventInstanceCount;
+  const char* interfaces;
+  REALattribute* attributes;
+  std::size_t attributeCount;
+  REALconstant* constants;
+  std::size_t constantCount;
+  std::uint32_t mFlags;
+  REALproperty* sharedProperties;
+  std::size_t sharedPropertyCount;
+  REALmethodDefinition* sharedMethods;
+  std::size_t sharedMethodCount;
+  REALdelegate* delegates;
+  std::size_t delegateCount;
+  REALenum* enums;
+  std::size_t enumCount;
+};
+
+struct REALmoduleDefinition {
+  std::uint32_t version;
+  const char* name;
+  REALmethodDefinition* methods;
+  std::size_t methodCount;
+  REALconstant* constants;
+  std::size_t constantCount;
+  REALproperty* properties;
+  std::size_t propertyCount;
+  REALstructure* structures;
+  std::size_t structureCount;
+  REALenum* enums;
+  std::size_t enumCount;
+  REALattribute* attributes;
+  std::size_t attributeCount;
+  REALdelegate* delegates;
+  std::size_t delegateCount;
+  REALclassDefinition** classes;
+  std::size_t classesCount;
+  void* interfaces;
+  std::size_t interfaceCount;
+  REALmoduleDefinition** modules;
+  std::size_t moduleCount;
+  void* controls;
+  std::size_t controlCount;
+  std::uint32_t mFlags;
+  void* mobileControls;
+  std::size_t mobileControlCount;
+};
+
+// Filled by PluginGetStringData; owned by the host until disposed, exactly once.
+struct REALstringData {
+  const void* data;
+  std::size_t length;
+  std::uint32_t encoding;
+  const void* hostPrivate1;
+  std::uint32_t hostPrivate2;
+};
+
+#if INTPTR_MAX == INT64_MAX
+static_assert(sizeof(REALattribute) == 16);
+static_assert(sizeof(REALmethodDefinition) == 48, "method rows are registered as 48-byte records");
+static_assert(sizeof(REALproperty) == 96);
+static_assert(sizeof(REALevent) == 32);
+static_assert(sizeof(REALeventInstance) == 16);
+static_assert(sizeof(REALconstant) == 40);
+static_assert(sizeof(REALdelegate) == 32);
+static_assert(sizeof(REALstructure) == 48);
+static_assert(sizeof(REALenum) == 56);
+static_assert(sizeof(REALclassDefinition) == 232);
+static_assert(sizeof(REALmoduleDefinition) == 216);
+static_assert(offsetof(REALmoduleDefinition, mFlags) == 192);
+static_assert(sizeof(REALstringData) == 40);
+#endif
+
+namespace encoding {
+inline constexpr std::uint32_t kMacRoman = 0x0;
+inline constexpr std::uint32_t kUTF16 = 0x100;
+inline constexpr std::uint32_t kISOLatin1 = 0x201;
+inline constexpr std::uint32_t kWindowsLatin1 = 0x500;
+inline constexpr std::uint32_t kASCII = 0x600;
+inline constexpr std::uint32_t kUTF8 = 0x08000100;
+inline constexpr std::uint32_t kUTF32 = 0x0C000100;
+inline constexpr std::uint32_t kUTF16BE = 0x10000100;
+inline constexpr std::uint32_t kUTF16LE = 0x14000100;
+inline constexpr std::uint32_t kUTF32BE = 0x18000100;
+inline constexpr std::uint32_t kUTF32LE = 0x1C000100;
+inline constexpr std::uint32_t kNone = 0xFFFF;
+}  // namespace encoding
+
+namespace flags {
+inline constexpr std::uint32_t kRuntimeOnly = 2;
+inline constexpr std::uint32_t kConsoleSafe = 4;
+inline constexpr std::uint32_t kGlobalScope = 16;
+inline constexpr std::uint32_t kPublic = 0x20;
+inline constexpr std::uint32_t kTargetMask = 0x708;
+inline constexpr std::uint32_t kConsoleWebDesktop = 0x308;
+// The plug-in's own marker, never handed to the host.
+inline constexpr std::uint32_t kPluginMarker = 0x40000;
+}  // namespace flags
+
+// Element type code of RuntimeArrayCreateSingleDimBoundedArray.
+inline constexpr std::int32_t kArrayOfString = 3;
+
+// Version field the host expects in class and module records.
+inline constexpr std::uint32_t kCurrentREALControlVersion = 15;
+
+// A getter or setter with all bits set reads the instance data at the property's offset.
+inline const REALproc kPlainOffsetAccessor = reinterpret_cast<REALproc>(~std::uintptr_t{0});
+
+using REALresolver = void* (*)(const char* name);
+
+// Service signatures, by the host's names.
+namespace service {
+using REALBuildString = REALstring (*)(const char*, int);
+using REALBuildStringWithEncoding = REALstring (*)(const char*, int, std::uint32_t);
+using REALConvertString = REALstring (*)(REALstring, std::uint32_t);
+using REALGetStringEncoding = std::uint32_t (*)(REALstring);
+using REALSetStringEncoding = void (*)(REALstring, std::uint32_t);
+using PluginGetStringData = RBBoolean (*)(REALstring, std::uint32_t, REALstringData*);
+using PluginDisposeStringData = void (*)(REALstringData*);
+using StringGetCString = void* (*)(REALstring);
+using REALLockString = void (*)(REALstring);
+using REALUnlockString = void (*)(REALstring);
+using REALLockObject = void (*)(REALobject);
+using REALUnlockObject = void (*)(REALobject);
+using RuntimeStringCompare = RBInteger (*)(REALstring, REALstring);
+using PluginNewInstance = REALobject (*)(const char*);
+using REALLoadObjectMethod = void* (*)(REALobject, const char*);
+using REALLoadGlobalMethod = void* (*)(const char*, const char*);
+using REALGetPropValueBool = RBBoolean (*)(REALobject, const char*, RBBoolean*);
+using REALGetPropValueColor = RBBoolean (*)(REALobject, const char*, RBColor*);
+using REALGetPropValueInteger = RBBoolean (*)(REALobject, const char*, RBInteger*);
+using REALGetPropValueString = RBInteger (*)(REALobject, const char*, REALstring*);
+using REALSetPropValueBoolean = RBBoolean (*)(REALobject, const char*, RBBoolean);
+using REALSetPropValueInteger = RBBoolean (*)(REALobject, const char*, RBInteger);
+using REALSetPropValueString = RBBoolean (*)(REALobject, const char*, REALstring);
+using REALSetPropValueUInt32 = RBBoolean (*)(REALobject, const char*, std::uint32_t);
+using RuntimeRaiseException = void (*)(REALobject);
+using RuntimeArrayCreateSingleDimBoundedArray = REALarray (*)(std::int32_t, RBInteger);
+using RuntimeUBound = RBInteger (*)(REALarray);
+using StringArrayInsert = void (*)(REALarray, RBInteger, REALstring);
+using PluginStringArrayInsertProc = StringArrayInsert (*)(REALarray);
+using ExceptionHandledFunction = void (*)(void*);
+using PluginCallFunctionWithExceptionHandler = REALobject (*)(ExceptionHandledFunction, void*);
+using REALYieldToRB = void (*)();
+using REALinRuntime = RBBoolean (*)();
+using PluginRegisterClassExtension = void (*)(REALclassDefinition*);
+using PluginRegisterMethod = void (*)(REALmethodDefinition*);
+using PluginRegisterModule = void (*)(REALmoduleDefinition*);
+using REALGetRBVersion = double (*)();
+using RegisterPluginVersion = void (*)(int);
+// Host methods loaded by declaration.
+using LenB = RBInteger (*)(REALstring);
+}  // namespace service

@@ -1,0 +1,202 @@
+#include "strings/string_distance.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <numeric>
+#include <vector>
+
+#include "strings/out_of_memory_error.h"
+
+namespace zel::strings {
+namespace {
+
+constexpr std::size_t kWordBits = 64;
+
+template <typename T>
+std::vector<T> allocateScratch(std::size_t count, T initial = T{}) {
+  try {
+    return std::vector<T>(count, initial);
+  } catch (const std::bad_alloc&) {
+    throw OutOfMemoryError::forBytes(count * sizeof(T));
+  }
+}
+
+// For every unit of the pattern, a bit vector of the positions where it occurs, in words of 64.
+// Slot 0 is all zeros and stands for every unit the pattern does not contain.
+class MatchVectors {
+ public:
+  explicit MatchVectors(std::u16string_view pattern)
+      : words_((pattern.size() + kWordBits - 1) / kWordBits) {
+    std::vector<char16_t> units(pattern.begin(), pattern.end());
+    std::sort(units.begin(), units.end());
+    units.erase(std::unique(units.begin(), units.end()), units.end());
+    for (const char16_t unit : units) {
+      if (unit < lowSlots_.size()) {
+        lowSlots_[unit] = static_cast<std::uint32_t>(++lowCount_);
+      } else {
+        highUnits_.push_back(unit);
+      }
+    }
+    bits_ = allocateScratch<std::uint64_t>((units.size() + 1) * words_);
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+      bits_[slotOf(pattern[i]) * words_ + i / kWordBits] |= std::uint64_t{1} << (i % kWordBits);
+    }
+  }
+
+  std::size_t words() const { return words_; }
+  const std::uint64_t* of(char16_t unit) const { return &bits_[slotOf(unit) * words_]; }
+
+ private:
+  std::size_t slotOf(char16_t unit) const {
+    if (unit < lowSlots_.size()) return lowSlots_[unit];
+    const auto found = std::lower_bound(highUnits_.begin(), highUnits_.end(), unit);
+    if (found == highUnits_.end() || *found != unit) return 0;
+    return lowCount_ + 1 + static_cast<std::size_t>(found - highUnits_.begin());
+  }
+
+  std::size_t words_;
+  std::array<std::uint32_t, 256> lowSlots_{};
+  std::size_t lowCount_ = 0;
+  std::vector<char16_t> highUnits_;
+  std::vector<std::uint64_t> bits_;
+};
+
+// Bit-parallel optimal string alignment distance (Hyyro 2003): one column of the distance
+// matrix per text unit, as vertical deltas packed into words.
+std::size_t alignmentDistance(std::u16string_view pattern, std::u16string_view text) {
+  const MatchVectors match(pattern);
+  const std::size_t words = match.words();
+  auto positive = allocateScratch<std::uint64_t>(words, ~std::uint64_t{0});
+  auto negative = allocateScratch<std::uint64_t>(words);
+  auto diagonal = allocateScratch<std::uint64_t>(words);
+  auto previousMatch = allocateScratch<std::uint64_t>(words);
+  const std::uint64_t lastBit = std::uint64_t{1} << ((pattern.size() - 1) % kWordBits);
+  std::size_t distance = pattern.size();
+
+  for (const char16_t unit : text) {
+    const std::uint64_t* matches = match.of(unit);
+    std::uint64_t sumCarry = 0, transposeCarry = 0, raiseCarry = 1, lowerCarry = 0;
+    for (std::size_t w = 0; w < words; ++w) {
+      const std::uint64_t eq = matches[w], vp = positive[w], vn = negative[w];
+      const std::uint64_t swappable = ~diagonal[w] & eq;
+      const std::uint64_t transposed = ((swappable << 1) | transposeCarry) & previousMatch[w];
+      transposeCarry = swappable >> (kWordBits - 1);
+
+      const std::uint64_t addend = eq & vp;
+      const std::uint64_t partial = addend + vp;
+      const std::uint64_t sum = partial + sumCarry;
+      sumCarry = (partial < addend || sum < partial) ? 1 : 0;
+
+      const std::uint64_t d0 = (sum ^ vp) | eq | vn | transposed;
+      const std::uint64_t hp = vn | ~(d0 | vp);
+      const std::uint64_t hn = d0 & vp;
+      if (w + 1 == words) {
+        distance += (hp & lastBit) ? 1 : 0;
+        distance -= (hn & lastBit) ? 1 : 0;
+      }
+      const std::uint64_t hpShifted = (hp << 1) | raiseCarry;
+      const std::uint64_t hnShifted = (hn << 1) | lowerCarry;
+      raiseCarry = hp >> (kWordBits - 1);
+      lowerCarry = hn >> (kWordBits - 1);
+      positive[w] = hnShifted | ~(d0 | hpShifted);
+      negative[w] = hpShifted & d0;
+      diagonal[w] = d0;
+      previousMatch[w] = eq;
+    }
+  }
+  return distance;
+}
+
+// b's positions grouped by unit, each group in ascending order, with a cursor per group: the
+// windows only move forward, so a group's positions below the window are never wanted again.
+class PositionsByUnit {
+ public:
+  explicit PositionsByUnit(std::u16string_view text)
+      : text_(text),
+        order_(allocateScratch<std::uint32_t>(text.size())),
+        cursor_(allocateScratch<std::uint32_t>(text.size())) {
+    std::iota(order_.begin(), order_.end(), 0U);
+    std::stable_sort(order_.begin(), order_.end(),
+                     [text](std::uint32_t x, std::uint32_t y) { return text[x] < text[y]; });
+    std::iota(cursor_.begin(), cursor_.end(), 0U);
+  }
+
+  // The first position of unit in [low, high) not taken before, taken now; high when none.
+  std::size_t take(char16_t unit, std::size_t low, std::size_t high) {
+    const auto group =
+        std::lower_bound(order_.begin(), order_.end(), unit,
+                         [this](std::uint32_t p, char16_t u) { return text_[p] < u; });
+    if (group == order_.end() || text_[*group] != unit) return high;
+    std::uint32_t& next = cursor_[static_cast<std::size_t>(group - order_.begin())];
+    while (next < order_.size() && text_[order_[next]] == unit && order_[next] < low) ++next;
+    if (next >= order_.size() || text_[order_[next]] != unit || order_[next] >= high) return high;
+    return order_[next++];
+  }
+
+ private:
+  std::u16string_view text_;
+  std::vector<std::uint32_t> order_;
+  std::vector<std::uint32_t> cursor_;
+};
+
+double jaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) {
+  const std::size_t n = a.size(), m = b.size();
+  const std::size_t longer = std::max(n, m);
+  const std::size_t window = longer / 2 >= 1 ? longer / 2 - 1 : 0;
+  auto matchedA = allocateScratch<char>(n);
+  auto matchedB = allocateScratch<char>(m);
+  PositionsByUnit positions(b);
+
+  std::size_t matches = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    const std::size_t low = i > window ? i - window : 0;
+    const std::size_t high = std::min(m, i + window + 1);
+    if (low >= high) continue;
+    const std::size_t j = positions.take(a[i], low, high);
+    if (j == high) continue;
+    matchedA[i] = matchedB[j] = 1;
+    ++matches;
+  }
+  if (matches == 0) return 0.0;
+
+  std::size_t transpositions = 0;
+  for (std::size_t i = 0, j = 0; i < n; ++i) {
+    if (!matchedA[i]) continue;
+    while (!matchedB[j]) ++j;
+    transpositions += a[i] != b[j++] ? 1 : 0;
+  }
+
+  const auto matched = static_cast<double>(matches);
+  const double jaro = (matched / static_cast<double>(m) + matched / static_cast<double>(n) +
+                       static_cast<double>(matches - transpositions / 2) / matched) /
+                      3.0;
+  if (jaro <= 0.7) return jaro;
+  const std::size_t prefixLimit = std::min({m, n, std::size_t{4}});
+  const auto prefix = static_cast<std::size_t>(
+      std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(prefixLimit), b.begin())
+          .first -
+      a.begin());
+  if (prefix == 0) return jaro;
+  return jaro + static_cast<double>(prefix) * 0.1 * (1.0 - jaro);
+}
+
+}  // namespace
+
+double levenshteinDistance(std::u16string_view a, std::u16string_view b) {
+  if (a.empty() || b.empty()) return 1.0;
+  const bool aShorter = a.size() <= b.size();
+  const std::size_t distance = aShorter ? alignmentDistance(a, b) : alignmentDistance(b, a);
+  if (distance == 0) return 0.0;
+  const auto shorter = static_cast<double>(std::min(a.size(), b.size()));
+  return 1.0 / (shorter / static_cast<double>(distance));
+}
+
+double jaroWinklerDistance(std::u16string_view a, std::u16string_view b) {
+  if (a.empty()) return b.empty() ? 0.0 : 1.0;
+  if (b.empty()) return 1.0;
+  return 1.0 - jaroWinklerSimilarity(a, b);
+}
+
+}  // namespace zel::strings

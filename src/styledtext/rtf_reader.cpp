@@ -1,0 +1,545 @@
+#include "styledtext/rtf_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "styledtext/code_page_table.h"
+#include "styledtext/style_run.h"
+
+namespace zel::styledtext {
+namespace {
+
+constexpr std::size_t kPendingReserve = 10000;
+constexpr std::int64_t kNoParameter = -1;
+
+struct Rgb {
+  std::uint32_t red = 0;
+  std::uint32_t green = 0;
+  std::uint32_t blue = 0;
+};
+
+struct GroupState {
+  std::size_t font = 0;  // slot in the font-name pool; slot 0 is the empty name
+  std::int64_t size = 0;
+  std::uint32_t encoding = kEncodingWindowsLatin1;
+  Rgb color;
+  bool bold = false;
+  bool italic = false;
+  bool underline = false;
+};
+
+// The style captured when text first needs a run; later changes do not reach it.
+struct PendingRun {
+  std::size_t font;
+  std::int64_t size;
+  std::uint32_t textColor;
+  bool bold;
+  bool italic;
+  bool underline;
+};
+
+struct ControlWord {
+  std::string_view word;
+  std::int64_t parameter = kNoParameter;
+};
+
+enum class WordAction : std::uint8_t {
+  kIgnore,
+  kCodePage,
+  kAnsi,
+  kMac,
+  kBold,
+  kItalic,
+  kUnderline,
+  kUnderlineNone,
+  kUnicode,
+  kFontTable,
+  kColorTable,
+  kColor,
+  kFont,
+  kParagraph,
+  kAlignCentre,
+  kAlignRight,
+  kAlignLeft,
+  kFontSize,
+};
+
+struct KnownWord {
+  std::string_view word;
+  WordAction action;
+};
+
+// Sorted by word for binary search.
+constexpr std::array<KnownWord, 25> kKnownWords{{
+    {"ansi", WordAction::kAnsi},
+    {"ansicpg", WordAction::kCodePage},
+    {"b", WordAction::kBold},
+    {"cf", WordAction::kColor},
+    {"colortbl", WordAction::kColorTable},
+    {"f", WordAction::kFont},
+    {"fonttbl", WordAction::kFontTable},
+    {"fs", WordAction::kFontSize},
+    {"i", WordAction::kItalic},
+    {"mac", WordAction::kMac},
+    {"paperh", WordAction::kIgnore},
+    {"paperw", WordAction::kIgnore},
+    {"par", WordAction::kParagraph},
+    {"pard", WordAction::kIgnore},
+    {"pardirnatural", WordAction::kIgnore},
+    {"partightenfactor", WordAction::kIgnore},
+    {"qc", WordAction::kAlignCentre},
+    {"qj", WordAction::kAlignLeft},
+    {"ql", WordAction::kAlignLeft},
+    {"qr", WordAction::kAlignRight},
+    {"rtf", WordAction::kIgnore},
+    {"u", WordAction::kUnicode},
+    {"ul", WordAction::kUnderline},
+    {"ulnone", WordAction::kUnderlineNone},
+    {"upr", WordAction::kFontSize},  // kept as a second spelling of "fs"
+}};
+
+// Control words are short: comparing them in line beats a library call per probe.
+constexpr bool sameWord(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t at = 0; at < a.size(); ++at) {
+    if (a[at] != b[at]) return false;
+  }
+  return true;
+}
+
+constexpr bool wordBefore(std::string_view a, std::string_view b) {
+  const std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t at = 0; at < common; ++at) {
+    if (a[at] != b[at]) return a[at] < b[at];
+  }
+  return a.size() < b.size();
+}
+
+static_assert(std::is_sorted(kKnownWords.begin(), kKnownWords.end(),
+                             [](const KnownWord& a, const KnownWord& b) {
+                               return wordBefore(a.word, b.word);
+                             }));
+
+std::optional<WordAction> actionFor(std::string_view word) {
+  const auto* known = std::lower_bound(
+      kKnownWords.begin(), kKnownWords.end(), word,
+      [](const KnownWord& entry, std::string_view w) { return wordBefore(entry.word, w); });
+  if (known != kKnownWords.end() && sameWord(known->word, word)) return known->action;
+  return std::nullopt;
+}
+
+// Bytes that end a stretch of plain text.
+constexpr std::array<bool, 256> kTextStops = [] {
+  std::array<bool, 256> stops{};
+  for (const unsigned char c : {'{', '}', '\\', '\r', '\n'}) stops[c] = true;
+  return stops;
+}();
+
+constexpr bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+constexpr bool isLowercase(char c) {
+  return c >= 'a' && c <= 'z';
+}
+
+constexpr int hexValue(char c) {
+  if (isDigit(c)) return c - '0';
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  return -1;
+}
+
+// Walks the input; every read is bounds-checked, so truncated input just ends.
+class Cursor {
+ public:
+  explicit Cursor(std::string_view input) : input_(input) {}
+
+  bool atEnd() const { return at_ >= input_.size(); }
+  char peek(std::size_t ahead = 0) const {
+    return at_ + ahead < input_.size() ? input_[at_ + ahead] : '\0';
+  }
+  bool nextIs(char c, std::size_t ahead = 0) const {
+    return at_ + ahead < input_.size() && input_[at_ + ahead] == c;
+  }
+  void advance(std::size_t count = 1) { at_ = std::min(input_.size(), at_ + count); }
+
+  std::string_view takeText() {
+    const std::size_t start = at_;
+    while (at_ < input_.size() && !kTextStops[static_cast<unsigned char>(input_[at_])]) ++at_;
+    return input_.substr(start, at_ - start);
+  }
+
+  // After "\'": up to two hexadecimal digits; nullopt when none follows.
+  std::optional<char> takeHexByte() {
+    int value = 0;
+    int digits = 0;
+    while (digits < 2 && !atEnd() && hexValue(peek()) >= 0) {
+      value = value * 16 + hexValue(peek());
+      ++digits;
+      advance();
+    }
+    if (digits == 0) return std::nullopt;
+    return static_cast<char>(value);
+  }
+
+  // A CR taken here takes a following LF with it.
+  void takeLineBreak() {
+    const bool carriageReturn = nextIs('\r');
+    advance();
+    if (carriageReturn && nextIs('\n')) advance();
+  }
+
+  // After a word and its number: one delimiter byte of any kind, except those that start
+  // something of their own.
+  void takeDelimiter() {
+    if (atEnd()) return;
+    const char c = peek();
+    if (c == '\\' || c == '{' || c == '}' || c == ';') return;
+    takeLineBreak();
+  }
+
+  // After the backslash. Numbers wrap at 64 bits, as do the units cut from them.
+  ControlWord takeControlWord(bool afterOpenBrace) {
+    if (afterOpenBrace && nextIs('*') && nextIs('\\', 1)) advance(2);
+    ControlWord result;
+    const std::size_t start = at_;
+    while (!atEnd() && isLowercase(peek())) advance();
+    result.word = input_.substr(start, at_ - start);
+    if (!atEnd() && (isDigit(peek()) || peek() == '-')) {
+      const bool negative = peek() == '-';
+      if (negative) advance();
+      std::uint64_t value = 0;
+      while (!atEnd() && isDigit(peek())) {
+        value = value * 10 + static_cast<std::uint64_t>(peek() - '0');
+        advance();
+      }
+      result.parameter = static_cast<std::int64_t>(negative ? 0 - value : value);
+    }
+    takeDelimiter();
+    return result;
+  }
+
+ private:
+  std::string_view input_;
+  std::size_t at_ = 0;
+};
+
+class Reader {
+ public:
+  Reader(std::string_view rtf, StyledTextSink& sink) : in_(rtf), sink_(sink) {
+    pending_.reserve(kPendingReserve);
+  }
+
+  void read() {
+    while (!in_.atEnd()) {
+      switch (in_.peek()) {
+        case '{':
+          in_.advance();
+          groups_.push_back(top());
+          if (skipDepth_ > 0) ++skipDepth_;
+          afterOpenBrace_ = true;
+          continue;
+        case '}':
+          in_.advance();
+          if (groups_.empty()) {
+            flush();
+            return;
+          }
+          flush();
+          groups_.pop_back();
+          if (skipDepth_ > 0) --skipDepth_;
+          break;
+        case '\r':
+        case '\n':
+          in_.advance();
+          flush();
+          break;
+        case '\\':
+          in_.advance();
+          readEscape();
+          break;
+        default:
+          addText(in_.takeText());
+          break;
+      }
+      afterOpenBrace_ = false;
+    }
+    flush();
+  }
+
+ private:
+  const GroupState& top() const {
+    static const GroupState kNoGroup;
+    return groups_.empty() ? kNoGroup : groups_.back();
+  }
+
+  void makeRun() {
+    if (run_) return;
+    const GroupState& group = top();
+    run_ = PendingRun{group.font,
+                      group.size,
+                      (group.color.red << 16) | (group.color.green << 8) | group.color.blue,
+                      group.bold,
+                      group.italic,
+                      group.underline};
+  }
+
+  void addText(std::string_view text) {
+    if (skipDepth_ > 0) return;
+    makeRun();
+    pending_.append(text);
+  }
+
+  void addRun(const PendingRun& run, const RunText& text) {
+    const RunStyle style{run.bold, run.italic,    run.underline,
+                         run.size, run.textColor, fontNames_[run.font]};
+    const std::int64_t before = sink_.paragraphCount();
+    sink_.appendStyleRun(style, text);
+    const std::int64_t after = sink_.paragraphCount();
+    if (alignment_ >= 0 && after != before) sink_.setParagraphAlignment(before, alignment_);
+  }
+
+  // Pending text goes out as one run; the run is used up either way.
+  void flush() {
+    if (!pending_.empty() && run_) addRun(*run_, RunText{pending_, top().encoding});
+    pending_.clear();
+    run_.reset();
+  }
+
+  void addUnit(std::int64_t parameter) {
+    flush();
+    makeRun();
+    const auto unit = static_cast<char16_t>(parameter);
+    if (unit != 0) {
+      std::array<char, sizeof unit> bytes{};
+      std::memcpy(bytes.data(), &unit, sizeof unit);
+      addRun(*run_, RunText{std::string_view(bytes.data(), bytes.size()), kEncodingUtf16});
+    }
+    run_.reset();
+  }
+
+  void readEscape() {
+    if (in_.nextIs('\'')) {
+      in_.advance();
+      const std::optional<char> byte = in_.takeHexByte();
+      if (byte) addText(std::string_view(&*byte, 1));
+      return;
+    }
+    if (in_.nextIs('\\') || in_.nextIs('{') || in_.nextIs('}')) {
+      const char c = in_.peek();
+      in_.advance();
+      addText(std::string_view(&c, 1));
+      return;
+    }
+    if (in_.nextIs('\r') || in_.nextIs('\n')) {
+      in_.takeLineBreak();
+      if (skipDepth_ == 0) makeRun();
+      pending_ += '\r';
+      flush();
+      return;
+    }
+    const ControlWord word = in_.takeControlWord(afterOpenBrace_);
+    applyWord(word);
+  }
+
+  void applyWord(const ControlWord& word) {
+    if (sameWord(word.word, "bin")) {
+      if (word.parameter > 0) in_.advance(static_cast<std::size_t>(word.parameter));
+      return;
+    }
+    if (groups_.empty() || skipDepth_ > 0) return;
+    const std::optional<WordAction> action = actionFor(word.word);
+    if (!action) {
+      if (afterOpenBrace_) skipDepth_ = 1;
+      return;
+    }
+    switch (*action) {
+      case WordAction::kIgnore:
+        return;
+      case WordAction::kFontTable:
+        readFontTable();
+        pending_.clear();
+        return;
+      case WordAction::kColorTable:
+        readColorTable();
+        pending_.clear();
+        return;
+      case WordAction::kUnicode:
+        addUnit(word.parameter);
+        return;
+      case WordAction::kParagraph:
+        makeRun();
+        pending_ += '\r';
+        flush();
+        return;
+      default:
+        break;
+    }
+    flush();
+    GroupState& group = groups_.back();
+    const bool on = word.parameter != 0;
+    switch (*action) {
+      case WordAction::kCodePage:
+        group.encoding = encodingForCodePage(word.parameter);
+        break;
+      case WordAction::kAnsi:
+        group.encoding = kEncodingWindowsLatin1;
+        break;
+      case WordAction::kMac:
+        group.encoding = kEncodingMacRoman;
+        break;
+      case WordAction::kBold:
+        group.bold = on;
+        break;
+      case WordAction::kItalic:
+        group.italic = on;
+        break;
+      case WordAction::kUnderline:
+        group.underline = on;
+        break;
+      case WordAction::kUnderlineNone:
+        group.underline = false;
+        break;
+      case WordAction::kColor:
+        group.color =
+            word.parameter >= 0 && static_cast<std::uint64_t>(word.parameter) < colorTable_.size()
+                ? colorTable_[static_cast<std::size_t>(word.parameter)]
+                : Rgb{};
+        break;
+      case WordAction::kFont: {
+        const auto entry = fontTable_.find(word.parameter);
+        group.font = entry != fontTable_.end() ? entry->second : 0;
+        break;
+      }
+      case WordAction::kAlignCentre:
+        alignment_ = kAlignCentre;
+        break;
+      case WordAction::kAlignRight:
+        alignment_ = kAlignRight;
+        break;
+      case WordAction::kAlignLeft:
+        alignment_ = kAlignLeft;
+        break;
+      case WordAction::kFontSize:
+        group.size = word.parameter / 2;
+        break;
+      default:
+        break;
+    }
+  }
+
+  // Entries "{\fN ... name;}"; the table's own closing brace is consumed here, with one delimiter.
+  void readFontTable() {
+    std::int64_t depth = 0;
+    std::int64_t skipDepth = 0;
+    std::int64_t index = 0;
+    std::string name;
+    bool nameDone = false;
+    bool afterBrace = false;
+    while (!in_.atEnd()) {
+      const char c = in_.peek();
+      if (c == '{') {
+        in_.advance();
+        ++depth;
+        if (skipDepth > 0) ++skipDepth;
+        afterBrace = true;
+        continue;
+      }
+      const bool braceBefore = afterBrace;
+      afterBrace = false;
+      if (c == '}') {
+        in_.advance();
+        if (--depth < 0) {
+          in_.takeDelimiter();
+          return;
+        }
+        if (skipDepth > 0) --skipDepth;
+        continue;
+      }
+      if (skipDepth > 0) {
+        in_.advance();
+        continue;
+      }
+      if (c == '\\') {
+        in_.advance();
+        if (in_.nextIs('\'')) {
+          // A hexadecimal escape is dropped from the name.
+          in_.advance();
+          in_.takeHexByte();
+          continue;
+        }
+        const ControlWord word = in_.takeControlWord(braceBefore);
+        if (sameWord(word.word, "f")) {
+          index = word.parameter;
+          nameDone = false;
+        } else if (braceBefore) {
+          skipDepth = 1;
+        }
+        continue;
+      }
+      in_.advance();
+      if (nameDone) continue;
+      if (c == ';') {
+        fontNames_.push_back(name);
+        fontTable_[index] = fontNames_.size() - 1;
+        name.clear();
+        nameDone = true;
+      } else {
+        name += c;
+      }
+    }
+  }
+
+  // Entries "\redR\greenG\blueB;", numbered from 0; stops at the closing brace, which the scanner
+  // then handles like any other.
+  void readColorTable() {
+    Rgb entry;
+    std::size_t index = 0;
+    while (!in_.atEnd() && !in_.nextIs('}')) {
+      const char c = in_.peek();
+      in_.advance();
+      if (c == ';') {
+        if (index < colorTable_.size()) {
+          colorTable_[index] = entry;
+        } else {
+          colorTable_.push_back(entry);
+        }
+        ++index;
+        entry = Rgb{};
+      } else if (c == '\\') {
+        const ControlWord word = in_.takeControlWord(false);
+        const auto component = static_cast<std::uint32_t>(word.parameter);
+        if (sameWord(word.word, "red")) entry.red = component;
+        if (sameWord(word.word, "green")) entry.green = component;
+        if (sameWord(word.word, "blue")) entry.blue = component;
+      }
+    }
+  }
+
+  Cursor in_;
+  StyledTextSink& sink_;
+  std::vector<GroupState> groups_;
+  std::vector<std::string> fontNames_{std::string()};
+  std::map<std::int64_t, std::size_t> fontTable_;
+  std::vector<Rgb> colorTable_;
+  std::string pending_;
+  std::optional<PendingRun> run_;
+  std::int64_t alignment_ = kAlignDefault;
+  std::int64_t skipDepth_ = 0;
+  bool afterOpenBrace_ = false;
+};
+
+}  // namespace
+
+void readRtf(std::string_view rtf, StyledTextSink& sink) {
+  sink.clear();
+  if (rtf.size() < 7 || !rtf.starts_with("{\\rtf")) return;
+  Reader(rtf, sink).read();
+}
+
+}  // namespace zel::styledtext

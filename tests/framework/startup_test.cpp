@@ -1,0 +1,77 @@
+// Start-up of the built library under the stand-in host: version, SDK level, the debug switch,
+// the loading line, and the library's single export.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "stand_in_host.h"
+
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::Not;
+
+std::vector<std::string> loadWithDebugSwitch(const char* value, bool inRuntime) {
+  if (value != nullptr)
+    setenv("ZELDEBUG", value, 1);
+  else
+    unsetenv("ZELDEBUG");
+  zelhost::configure({.version = 2019.01, .inRuntime = inRuntime});
+  zelhost::captureLog(true);
+  zelhost::loadPlugin(ZEL_PLUGIN_PATH);
+  auto captured = zelhost::capturedLog();
+  zelhost::captureLog(false);
+  unsetenv("ZELDEBUG");
+  return captured;
+}
+
+constexpr const char* kLoadingLine = "Loading String in Xojo 2019.01 and plugin SDK version 13...";
+
+TEST(Startup, AnnouncesTheSdkLevelOfTheHostVersion) {
+  const struct {
+    double version;
+    int level;
+  } cases[] = {{2011.5, 9}, {2012.99, 10}, {2013.0, 11}, {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
+  for (const auto& c : cases) {
+    zelhost::configure({.version = c.version});
+    EXPECT_THAT(zelhost::loadPlugin(ZEL_PLUGIN_PATH).pluginVersions, ElementsAre(c.level)) << c.version;
+  }
+}
+
+TEST(Startup, HostWithoutVersionServiceGetsLevelNine) {
+  zelhost::configure({});
+  zelhost::setServiceMissing("REALGetRBVersion");
+  EXPECT_THAT(zelhost::loadPlugin(ZEL_PLUGIN_PATH).pluginVersions, ElementsAre(9));
+}
+
+TEST(Startup, LoadingLineOnlyInTheIdeWithTheSwitchOn) {
+  for (const char* on : {"1", "TRUE", "Yes"})
+    EXPECT_THAT(loadWithDebugSwitch(on, false), Contains(kLoadingLine)) << on;
+  for (const char* off : {"0", "2", "on", "", static_cast<const char*>(nullptr)})
+    EXPECT_THAT(loadWithDebugSwitch(off, false), Not(Contains(kLoadingLine))) << (off ? off : "unset");
+  EXPECT_THAT(loadWithDebugSwitch("1", true), Not(Contains(kLoadingLine)));
+}
+
+TEST(Library, ExportsOnlyTheEntryPoint) {
+  const std::string command = std::string("nm -D --defined-only '") + ZEL_PLUGIN_PATH + "'";
+  std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+  ASSERT_TRUE(pipe);
+  std::vector<std::string> symbols;
+  char line[512];
+  while (std::fgets(line, sizeof line, pipe.get()) != nullptr) {
+    std::string text(line);
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    const auto name = text.substr(text.find_last_of(' ') + 1);
+    const char kind = text.size() > 17 ? text[17] : '?';
+    // Absolute and version-definition entries are linker bookkeeping, not exports.
+    if (kind != 'A') symbols.push_back(name);
+  }
+  EXPECT_THAT(symbols, ElementsAre("REALPluginMain"));
+}
+
+}  // namespace

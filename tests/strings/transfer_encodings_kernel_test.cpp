@@ -1,0 +1,182 @@
+#include "strings/transfer_encodings.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace zel::strings {
+namespace {
+
+using namespace std::string_literals;
+
+// A heap copy of exactly these bytes, so that the sanitizer build sees any read past them.
+struct ExactBytes {
+  explicit ExactBytes(std::string_view bytes) : copy(bytes.begin(), bytes.end()) {}
+  operator std::string_view() const { return {copy.data(), copy.size()}; }
+  std::vector<char> copy;
+};
+
+struct Case {
+  std::string input;
+  std::int64_t option;
+  std::string expected;
+};
+
+TEST(HexKernel, EncodeAndDecode) {
+  EXPECT_EQ(encodeHex("\x00\xFF\x5A"s), "00FF5A");
+  EXPECT_EQ(encodeHex(""), "");
+  const std::vector<Case> decodes = {
+      {"00ff", 0, "\x00\xFF"s}, {"abc", 0, "\xAB"}, {"a", 0, ""},         {"ZZ", 0, "\0"s},
+      {"G1", 0, "\x01"},        {"1G", 0, "\x10"},  {"4a 4A", 0, "J\x04"}};
+  for (const auto& c : decodes) EXPECT_EQ(decodeHex(ExactBytes(c.input)), c.expected) << c.input;
+
+  std::string every;
+  for (int byte = 0; byte < 256; ++byte) every += static_cast<char>(byte);
+  EXPECT_EQ(decodeHex(encodeHex(every)), every);
+}
+
+TEST(UrlKernel, EncodeFollowsTheEscapeTableAndOptions) {
+  const std::vector<Case> cases = {
+      {"a b+c", 0, "a%20b+c"},
+      {"a b+c", 3, "a%20b+c"},
+      {"a b+c", 1, "a+b%2Bc"},
+      {"a b+c", 2, "a%20b%2Bc"},
+      {"a b+c", 5, "a+b%2Bc"},
+      {"a b+c", -4, "a%20b+c"},
+      {"\xC3\xA9", 0, "%C3%A9"},
+      {"~_.-!*@", 0, "~_.-!*@"},
+      {"'", 0, "%27"},
+      {"\0\x7F"s, 1, "%00%7F"},
+      {"", 0, ""},
+      {"\"#$%&(),/:;<=>?[\\]^`{|}", 0,
+       "%22%23%24%25%26%28%29%2C%2F%3A%3B%3C%3D%3E%3F%5B%5C%5D%5E%60%7B%7C%7D"}};
+  for (const auto& c : cases)
+    EXPECT_EQ(encodeUrl(ExactBytes(c.input), c.option), c.expected) << c.input;
+
+  const std::string plain =
+      "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz!*+-.@_~";
+  for (int byte = 0; byte < 256; ++byte) {
+    const std::string one(1, static_cast<char>(byte));
+    char escaped[4];
+    std::snprintf(escaped, sizeof escaped, "%%%02X", byte);
+    EXPECT_EQ(encodeUrl(one, 0), plain.find(one) != std::string::npos ? one : escaped) << byte;
+  }
+}
+
+TEST(UrlKernel, DecodeReadsBadOrMissingDigitsAsZero) {
+  const std::vector<Case> cases = {{"a+b", 0, "a+b"},
+                                   {"a+b", 1, "a b"},
+                                   {"a+b", 3, "a b"},
+                                   {"a+b", 2, "a+b"},
+                                   {"%41%4a", 0, "AJ"},
+                                   {"%zz", 0, "\0"s},
+                                   {"%g1x", 0, "\x01x"},
+                                   {"%4g", 0, "@"},
+                                   {"a%2", 0, "a "},
+                                   {"100%", 0, "100\0"s},
+                                   {"%", 0, "\0"s},
+                                   {"%%41", 0,
+                                    "\x04"
+                                    "1"},
+                                   {"", 1, ""}};
+  for (const auto& c : cases)
+    EXPECT_EQ(decodeUrl(ExactBytes(c.input), c.option), c.expected) << c.input;
+
+  std::string every;
+  for (int byte = 0; byte < 256; ++byte) every += static_cast<char>(byte);
+  for (const std::int64_t option : {0, 1, 2}) {
+    EXPECT_EQ(decodeUrl(encodeUrl(every, option), option), every) << option;
+  }
+  // Option 3 encodes like 0 but decodes like 1, so it does not undo itself.
+  EXPECT_EQ(decodeUrl(encodeUrl("a+b", 3), 3), "a b");
+}
+
+TEST(QuotedPrintableKernel, EncodeCases) {
+  const std::vector<Case> cases = {{"a=b", 72, "a=3Db"},
+                                   {"\xE9t\xE9", 72, "=E9t=E9"},
+                                   {"a \nb", 72, "a=20\r\nb=\r\n"},
+                                   {"a ", 72, "a "},
+                                   {"a  b", 72, "a  b"},
+                                   {"a \t\n", 72, "a =09\r\n"},
+                                   {"a\nb", 72, "a\r\nb=\r\n"},
+                                   {"a\r\nb", 72, "a\r\nb=\r\n"},
+                                   {"a\n\rb", 72, "a\r\nb=\r\n"},
+                                   {"a\r\rb", 72, "a\r\n\r\nb=\r\n"},
+                                   {"a\n", 72, "a\r\n"},
+                                   {"!\"#$@[\\]^`{|}~", 72, "!\"#$@[\\]^`{|}~"},
+                                   {"aaaaaaaaaaaa", 10, "aaaaaaaa=\r\naaaa"},
+                                   {"aaaaa\xFF", 10, "aaaaa=FF"},
+                                   {"aaaaaa\xFF", 10, "aaaaaa=\r\n=FF"},
+                                   {"ab", 2, "=\r\na=\r\nb"},
+                                   {"", 72, ""}};
+  for (const auto& c : cases)
+    EXPECT_EQ(encodeQuotedPrintable(ExactBytes(c.input), c.option), c.expected) << c.input;
+
+  const std::string text(500, 'x');
+  for (const std::int64_t tooShort : {0LL, 1LL, -5LL, 1LL << 32, (1LL << 32) + 72}) {
+    EXPECT_EQ(encodeQuotedPrintable(text, tooShort), encodeQuotedPrintable(text, 72)) << tooShort;
+  }
+}
+
+// Every kind of line break collapses to one LF, as the decoder writes it.
+std::string withLfBreaks(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r' && text[i] != '\n') {
+      out += text[i];
+      continue;
+    }
+    if (i + 1 < text.size() && (text[i + 1] == '\r' || text[i + 1] == '\n') &&
+        text[i + 1] != text[i])
+      ++i;
+    out += '\n';
+  }
+  return out;
+}
+
+TEST(QuotedPrintableKernel, LinesStayShortAndDecodingRestoresTheText) {
+  std::mt19937 random(5);
+  const std::string alphabet = "ab= \t\r\n\xE9.";
+  for (int round = 0; round < 400; ++round) {
+    std::string input(random() % 200, '\0');
+    for (auto& c : input) c = alphabet[random() % alphabet.size()];
+    const auto lineLength = static_cast<std::int64_t>(5 + random() % 40);
+    const std::string encoded = encodeQuotedPrintable(ExactBytes(input), lineLength);
+    for (std::size_t start = 0; start <= encoded.size();) {
+      const std::size_t end = std::min(encoded.find("\r\n", start), encoded.size());
+      ASSERT_LE(static_cast<std::int64_t>(end - start), lineLength - 1) << encoded;
+      start = end + 2;
+    }
+    ASSERT_EQ(decodeQuotedPrintable(ExactBytes(encoded)), withLfBreaks(input)) << encoded;
+  }
+}
+
+TEST(QuotedPrintableKernel, DecodeCases) {
+  const std::vector<Case> cases = {
+      {"a=3Db", 0, "a=b"},   {"a=\r\nb", 0, "ab"},    {"a= \t\r\nb", 0, "ab"},
+      {"a=\nb", 0, "ab"},    {"a=\n\rb", 0, "ab"},    {"a\r\nb", 0, "a\nb"},
+      {"a\n\rb", 0, "a\nb"}, {"a\r\rb", 0, "a\n\nb"}, {"=4a=4A", 0, "JJ"},
+      {"=ZZ", 0, "=ZZ"},     {"=4G", 0, "=4G"},       {"x=4", 0, "x=4"},
+      {"=", 0, "="},         {"= x", 0, "= x"},       {"a=  ", 0, "a=  "},
+      {"a=\r", 0, "a"},      {"==41", 0, "=A"},       {"", 0, ""}};
+  for (const auto& c : cases)
+    EXPECT_EQ(decodeQuotedPrintable(ExactBytes(c.input)), c.expected) << c.input;
+}
+
+TEST(EmailSubjectKernel, PlainTextStaysAndOtherTextBecomesOneWord) {
+  EXPECT_EQ(encodeEmailSubject("Hello World"), std::nullopt);
+  EXPECT_EQ(encodeEmailSubject(""), std::nullopt);
+  EXPECT_EQ(encodeEmailSubject("x\x7F"), std::nullopt);
+  EXPECT_EQ(encodeEmailSubject("Gr\xC3\xBC\xC3\x9F"
+                               "e a_b"),
+            "=?utf-8?Q?Gr=C3=BC=C3=9Fe_a=5Fb?=");
+  EXPECT_EQ(encodeEmailSubject("a=b?\x01"), "=?utf-8?Q?a=3Db?\x01?=");
+  const auto longSubject = encodeEmailSubject(std::string(300, 'a') + "\t");
+  ASSERT_TRUE(longSubject);
+  EXPECT_EQ(longSubject->size(), 10U + 301U + 2U);  // never folded
+}
+
+}  // namespace
+}  // namespace zel::strings
