@@ -23,8 +23,7 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 const std::vector<ClassInfo>& classes() {
   static const std::vector<ClassInfo> all = [] {
     std::vector<ClassInfo> table;
-    for (auto provider :
-         {memoryBlockClasses, exceptionClasses, arrayClasses, styledTextClasses}) {
+    for (auto provider : {memoryBlockClasses, exceptionClasses, arrayClasses, styledTextClasses}) {
       for (ClassInfo& classInfo : provider()) table.push_back(std::move(classInfo));
     }
     return table;

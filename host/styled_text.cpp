@@ -18,10 +18,19 @@ bool fontMissing() {
 }
 
 // StyleRun property indexes, in table order.
-enum StyleRunProperty : std::size_t { kText, kFont, kFontName, kSize, kBold, kItalic, kUnderline, kColor };
+enum StyleRunProperty : std::size_t {
+  kText,
+  kFont,
+  kFontName,
+  kSize,
+  kBold,
+  kItalic,
+  kUnderline,
+  kColor
+};
 
 struct StyledTextData : ObjectData {
-  std::vector<REALobject> runs;         // one reference each
+  std::vector<REALobject> runs;       // one reference each
   std::vector<RBInteger> alignments;  // by paragraph; missing entries are 0
   ~StyledTextData() override {
     for (REALobject run : runs) releaseObject(run, "StyledText run");
@@ -144,8 +153,7 @@ void removeStyleRun(REALobject self, RBInteger index) {
 
 // "FontName" is the same storage as "Font" under the name some host versions use.
 PropertySpec fontNameAlias() {
-  return {"FontName", PropertyType::String,
-          [](HostObject& object) { return object.values[kFont]; },
+  return {"FontName", PropertyType::String, [](HostObject& object) { return object.values[kFont]; },
           [](HostObject& object, const PropertyValue& value) {
             PropertyValue& stored = object.values[kFont];
             if (value.string != nullptr) retainString(value.string, "StyleRun.FontName");

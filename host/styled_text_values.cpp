@@ -56,8 +56,8 @@ PropertyValue fontValue(REALobject run) {
 REALobject makeStyledText(const std::vector<StyledRun>& runs,
                           const std::vector<RBInteger>& alignments) {
   REALobject styledText = newInstance("StyledText");
-  const auto append = method<void (*)(REALobject, REALobject)>(styledText,
-                                                                "AppendStyleRun(Run as StyleRun)");
+  const auto append =
+      method<void (*)(REALobject, REALobject)>(styledText, "AppendStyleRun(Run as StyleRun)");
   for (const StyledRun& values : runs) {
     REALobject run = newInstance("StyleRun");
     setString(run, "Text", values.text, values.textEncoding);

@@ -12,6 +12,7 @@
 #include "demo_tour.h"
 #include "dynamic_call.h"
 #include "json.h"
+#include "rtf_commands.h"
 #include "stand_in_host.h"
 
 namespace {
@@ -21,7 +22,8 @@ constexpr int kLoadError = 1;
 
 constexpr const char* kUsage =
     "usage: zelhost [--plugin PATH] [--host-version V] [--ide] "
-    "(list [--json] | call [--json] NAME ARG... | batch | demo)";
+    "(list [--json] | call [--json] NAME ARG... | batch | rtf-read [--json] FILE | "
+    "rtf-write [--skip-paragraphs] FILE | demo)";
 
 struct UsageError : std::invalid_argument {
   using std::invalid_argument::invalid_argument;
@@ -151,10 +153,14 @@ int run(std::vector<std::string> words) {
   const std::string command = words[at++];
   const std::vector<std::string> rest(words.begin() + static_cast<std::ptrdiff_t>(at), words.end());
   const bool asJson = !rest.empty() && rest.front() == "--json";
-  if (command == "rtf-read" || command == "rtf-write") {
-    throw UsageError(command + " is not available yet");
+  const bool rtfCommand = command == "rtf-read" || command == "rtf-write";
+  const std::string rtfOption = command == "rtf-read" ? "--json" : "--skip-paragraphs";
+  const bool rtfOptionGiven = rtfCommand && !rest.empty() && rest.front() == rtfOption;
+  if (rtfCommand && rest.size() != (rtfOptionGiven ? 2U : 1U)) {
+    throw UsageError(command + " wants [" + rtfOption + "] FILE");
   }
-  if (command != "list" && command != "call" && command != "batch" && command != "demo") {
+  if (!rtfCommand && command != "list" && command != "call" && command != "batch" &&
+      command != "demo") {
     throw UsageError("unknown command " + command);
   }
   zelhost::configure(hostConfig);
@@ -165,6 +171,15 @@ int run(std::vector<std::string> words) {
     return kLoadError;
   }
   if (command == "list") return list(asJson);
+  if (rtfCommand) {
+    try {
+      return command == "rtf-read" ? zelhost::rtfRead(rest.back(), rtfOptionGiven, std::cout)
+                                   : zelhost::rtfWrite(rest.back(), rtfOptionGiven, std::cout);
+    } catch (const std::runtime_error& error) {
+      std::cerr << "zelhost: " << error.what() << "\n";
+      return kLoadError;
+    }
+  }
   if (command == "batch") return batch();
   if (command == "demo") {
     if (zelhost::runDemoTour(std::cout) == 0) std::cout << "nothing to show yet\n";

@@ -13,8 +13,8 @@ inline constexpr std::size_t kShort = 32;
 
 // Printable ASCII prose with spaces and line breaks.
 inline std::string asciiText(std::size_t bytes) {
-  static constexpr std::string_view kWords[] = {"the ", "quick ", "brown ", "fox ", "jumps ",
-                                                "over ", "lazy ", "dog, ", "and ", "runs.\n"};
+  static constexpr std::string_view kWords[] = {"the ",  "quick ", "brown ", "fox ", "jumps ",
+                                                "over ", "lazy ",  "dog, ",  "and ", "runs.\n"};
   std::string out;
   out.reserve(bytes + 8);
   std::mt19937 random(42);
@@ -33,13 +33,14 @@ inline std::string binaryData(std::size_t bytes) {
 
 // UTF-8 text mixing ASCII, Latin, Greek, Vietnamese, Hangul and an emoji.
 inline std::string utf8Text(std::size_t bytes) {
-  static constexpr std::string_view kPieces[] = {"plain words ", "café ", "naïve ", "Ελληνικά ",
-                                                 "Tiếng Việt ", "한국어 ", "😀 ", "über\n"};
+  static constexpr std::string_view kPieces[] = {"plain words ", "café ",   "naïve ", "Ελληνικά ",
+                                                 "Tiếng Việt ",  "한국어 ", "😀 ",     "über\n"};
   std::string out;
   out.reserve(bytes + 16);
   std::mt19937 random(3);
   while (out.size() < bytes) out += kPieces[random() % std::size(kPieces)];
-  while (out.size() > bytes && (static_cast<unsigned char>(out.back()) & 0xC0) == 0x80) out.pop_back();
+  while (out.size() > bytes && (static_cast<unsigned char>(out.back()) & 0xC0) == 0x80)
+    out.pop_back();
   if (out.size() > bytes) out.pop_back();
   return out;
 }

@@ -12,7 +12,9 @@ namespace detail {
 inline std::atomic<bool> debugFlag{false};
 }
 
-inline bool debugEnabled() noexcept { return detail::debugFlag.load(std::memory_order_relaxed); }
+inline bool debugEnabled() noexcept {
+  return detail::debugFlag.load(std::memory_order_relaxed);
+}
 inline void setDebugEnabled(bool on) noexcept {
   detail::debugFlag.store(on, std::memory_order_relaxed);
 }

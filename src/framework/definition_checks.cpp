@@ -14,7 +14,9 @@ namespace {
 constexpr std::size_t kCountOutOfRange = 10000;
 constexpr std::size_t kMaximumListed = 1000;
 
-int asInt(std::size_t value) noexcept { return static_cast<int>(value); }
+int asInt(std::size_t value) noexcept {
+  return static_cast<int>(value);
+}
 
 // A count agrees with its array when a non-zero count has an array of at most 1000 entries and a
 // zero count has none.
@@ -27,7 +29,9 @@ bool consoleSafe(std::uint32_t flags) noexcept {
   return (flags & (flags::kConsoleSafe | 0x8)) != 0;
 }
 
-const char* orEmpty(const char* text) noexcept { return text != nullptr ? text : ""; }
+const char* orEmpty(const char* text) noexcept {
+  return text != nullptr ? text : "";
+}
 
 void checkAttributeEntries(const char* owner, const char* member, std::size_t count,
                            const REALattribute* attributes) noexcept {
@@ -106,8 +110,7 @@ void checkMembers(const MemberKind& kind, const char* owner, const Row* rows,
       continue;
     }
     checkRowSpecifics(row, owner);
-    checkAttributes(kind.attributeKind, owner, row.declaration, row.attributeCount,
-                    row.attributes);
+    checkAttributes(kind.attributeKind, owner, row.declaration, row.attributeCount, row.attributes);
   }
 }
 
@@ -245,9 +248,9 @@ void checkClassExtension(const REALclassDefinition* definition) noexcept {
   if (partNameMissing(definition->name)) return;
   const REALclassDefinition& c = *definition;
   if (c.version != kCurrentREALControlVersion)
-    debugLogFinding("Error: The class extension %s has the wrong kCurrentREALControlVersion: %d vs. %d",
-                    orEmpty(c.name), static_cast<int>(c.version),
-                    static_cast<int>(kCurrentREALControlVersion));
+    debugLogFinding(
+        "Error: The class extension %s has the wrong kCurrentREALControlVersion: %d vs. %d",
+        orEmpty(c.name), static_cast<int>(c.version), static_cast<int>(kCurrentREALControlVersion));
   if (c.name == nullptr) debugLogFinding("Error: A class extension without name.");
   const char* name = orEmpty(c.name);
   if (c.superName != nullptr)
@@ -368,8 +371,8 @@ void checkGlobalMethod(const REALmethodDefinition& method) noexcept {
   if (countDisagrees(method.attributes, method.attributeCount))
     debugLogFinding("Error: The method %s has the wrong attributeCount value: %d",
                     method.declaration, asInt(method.attributeCount));
-  checkAttributeEntries(orEmpty(pluginState().partName), method.declaration,
-                        method.attributeCount, method.attributes);
+  checkAttributeEntries(orEmpty(pluginState().partName), method.declaration, method.attributeCount,
+                        method.attributes);
 }
 
 }  // namespace zel

@@ -30,7 +30,7 @@ class ServiceSlot {
 };
 
 // The service's cached address (null when the host lacks it), named by the service itself.
-#define ZEL_SERVICE(Service)                                      \
+#define ZEL_SERVICE(Service)                                     \
   static constinit ServiceSlot<service::Service> slot{#Service}; \
   const auto function = slot.get()
 
@@ -41,7 +41,8 @@ REALstring REALBuildString(const char* bytes, int length) noexcept {
   return function != nullptr ? function(bytes, length) : nullptr;
 }
 
-REALstring REALBuildStringWithEncoding(const char* bytes, int length, std::uint32_t encoding) noexcept {
+REALstring REALBuildStringWithEncoding(const char* bytes, int length,
+                                       std::uint32_t encoding) noexcept {
   ZEL_SERVICE(REALBuildStringWithEncoding);
   return function != nullptr ? function(bytes, length, encoding) : nullptr;
 }
@@ -97,22 +98,30 @@ const char* StringGetCString(REALstring s, RBInteger* length) noexcept {
   return rawCString(s);
 }
 
-void REALLockString(REALstring s) noexcept { ZEL_SERVICE(REALLockString);
-  if (function != nullptr) function(s); }
+void REALLockString(REALstring s) noexcept {
+  ZEL_SERVICE(REALLockString);
+  if (function != nullptr) function(s);
+}
 
-void REALUnlockString(REALstring s) noexcept { ZEL_SERVICE(REALUnlockString);
-  if (function != nullptr) function(s); }
+void REALUnlockString(REALstring s) noexcept {
+  ZEL_SERVICE(REALUnlockString);
+  if (function != nullptr) function(s);
+}
 
 std::int32_t RuntimeStringCompare(REALstring a, REALstring b) noexcept {
   ZEL_SERVICE(RuntimeStringCompare);
   return function != nullptr ? static_cast<std::int32_t>(function(a, b)) : 0;
 }
 
-void REALLockObject(REALobject o) noexcept { ZEL_SERVICE(REALLockObject);
-  if (function != nullptr) function(o); }
+void REALLockObject(REALobject o) noexcept {
+  ZEL_SERVICE(REALLockObject);
+  if (function != nullptr) function(o);
+}
 
-void REALUnlockObject(REALobject o) noexcept { ZEL_SERVICE(REALUnlockObject);
-  if (function != nullptr) function(o); }
+void REALUnlockObject(REALobject o) noexcept {
+  ZEL_SERVICE(REALUnlockObject);
+  if (function != nullptr) function(o);
+}
 
 REALobject PluginNewInstance(const char* className) noexcept {
   ZEL_SERVICE(PluginNewInstance);
@@ -175,13 +184,16 @@ void RuntimeRaiseException(REALobject exception) noexcept {
   if (function != nullptr) function(exception);
 }
 
-REALarray RuntimeArrayCreateSingleDimBoundedArray(std::int32_t elementType, RBInteger upperBound) noexcept {
+REALarray RuntimeArrayCreateSingleDimBoundedArray(std::int32_t elementType,
+                                                  RBInteger upperBound) noexcept {
   ZEL_SERVICE(RuntimeArrayCreateSingleDimBoundedArray);
   return function != nullptr ? function(elementType, upperBound) : nullptr;
 }
 
-RBInteger RuntimeUBound(REALarray a) noexcept { ZEL_SERVICE(RuntimeUBound);
-  return function != nullptr ? function(a) : 0; }
+RBInteger RuntimeUBound(REALarray a) noexcept {
+  ZEL_SERVICE(RuntimeUBound);
+  return function != nullptr ? function(a) : 0;
+}
 
 void PluginStringArrayInsert(REALarray a, RBInteger index, REALstring s) noexcept {
   ZEL_SERVICE(PluginStringArrayInsertProc);
@@ -195,11 +207,15 @@ REALobject PluginCallFunctionWithExceptionHandler(service::ExceptionHandledFunct
   return function != nullptr ? function(work, context) : nullptr;
 }
 
-void REALYieldToRB() noexcept { ZEL_SERVICE(REALYieldToRB);
-  if (function != nullptr) function(); }
+void REALYieldToRB() noexcept {
+  ZEL_SERVICE(REALYieldToRB);
+  if (function != nullptr) function();
+}
 
-bool REALinRuntime() noexcept { ZEL_SERVICE(REALinRuntime);
-  return function != nullptr && function() != 0; }
+bool REALinRuntime() noexcept {
+  ZEL_SERVICE(REALinRuntime);
+  return function != nullptr && function() != 0;
+}
 
 void PluginRegisterClassExtension(REALclassDefinition* definition) noexcept {
   ZEL_SERVICE(PluginRegisterClassExtension);

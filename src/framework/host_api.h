@@ -9,7 +9,8 @@
 namespace zel::host {
 
 REALstring REALBuildString(const char* bytes, int length) noexcept;
-REALstring REALBuildStringWithEncoding(const char* bytes, int length, std::uint32_t encoding) noexcept;
+REALstring REALBuildStringWithEncoding(const char* bytes, int length,
+                                       std::uint32_t encoding) noexcept;
 REALstring REALConvertString(REALstring s, std::uint32_t encoding) noexcept;
 std::uint32_t REALGetStringEncoding(REALstring s) noexcept;
 void REALSetStringEncoding(REALstring s, std::uint32_t encoding) noexcept;
@@ -35,7 +36,8 @@ bool REALSetPropValueInteger(REALobject o, const char* name, RBInteger value) no
 bool REALSetPropValueString(REALobject o, const char* name, REALstring value) noexcept;
 bool REALSetPropValueUInt32(REALobject o, const char* name, std::uint32_t value) noexcept;
 void RuntimeRaiseException(REALobject exception) noexcept;
-REALarray RuntimeArrayCreateSingleDimBoundedArray(std::int32_t elementType, RBInteger upperBound) noexcept;
+REALarray RuntimeArrayCreateSingleDimBoundedArray(std::int32_t elementType,
+                                                  RBInteger upperBound) noexcept;
 RBInteger RuntimeUBound(REALarray a) noexcept;
 // Resolves the array's insert procedure and, when there is one, inserts `s` at `index`.
 void PluginStringArrayInsert(REALarray a, RBInteger index, REALstring s) noexcept;

@@ -54,7 +54,9 @@ void initialise() noexcept {
 
 }  // namespace
 
-const PluginState& pluginState() noexcept { return gState; }
+const PluginState& pluginState() noexcept {
+  return gState;
+}
 
 std::int32_t sdkLevelForHostVersion(double hostVersion) noexcept {
   if (hostVersion >= kVersionSdk13) return 13;
@@ -75,7 +77,9 @@ bool debugSwitchedOnBy(const char* value) noexcept {
 }
 
 namespace detail {
-void setHostVersionForTesting(double hostVersion) noexcept { gState.hostVersion = hostVersion; }
+void setHostVersionForTesting(double hostVersion) noexcept {
+  gState.hostVersion = hostVersion;
+}
 }  // namespace detail
 
 }  // namespace zel
@@ -86,16 +90,18 @@ extern "C"
 #else
     __attribute__((visibility("default")))
 #endif
-    void REALPluginMain(REALresolver resolver) {
+        void REALPluginMain(REALresolver resolver) {
   using namespace zel;
   gState.resolver = resolver;
   if (resolver != nullptr) {
-    if (const auto version = reinterpret_cast<service::REALGetRBVersion>(resolver("REALGetRBVersion")))
+    if (const auto version =
+            reinterpret_cast<service::REALGetRBVersion>(resolver("REALGetRBVersion")))
       gState.hostVersion = version();
   }
   gState.sdkLevel = sdkLevelForHostVersion(gState.hostVersion);
   if (resolver == nullptr) return;
   // The host must offer this service; the call stays unguarded on purpose.
-  reinterpret_cast<service::RegisterPluginVersion>(resolver("RegisterPluginVersion"))(gState.sdkLevel);
+  reinterpret_cast<service::RegisterPluginVersion>(resolver("RegisterPluginVersion"))(
+      gState.sdkLevel);
   initialise();
 }

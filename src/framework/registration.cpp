@@ -20,7 +20,9 @@ constexpr std::size_t kDeclarationCapacity = 999;
 // Written only on the loading thread during start-up; the host keeps pointers into it forever.
 REALmoduleDefinition* gModule = nullptr;
 
-RBBoolean debuggingGetter() { return debugEnabled() ? 1 : 0; }
+RBBoolean debuggingGetter() {
+  return debugEnabled() ? 1 : 0;
+}
 
 void debuggingSetter(RBBoolean value) {
   setDebugEnabled(value != 0);
@@ -28,19 +30,18 @@ void debuggingSetter(RBBoolean value) {
 }
 
 REALattribute gHiddenAttribute{"Hidden", ""};
-REALproperty gDebuggingProperty{
-    nullptr,
-    "Debugging",
-    "Boolean",
-    flags::kPublic | flags::kConsoleSafe | flags::kRuntimeOnly,
-    reinterpret_cast<REALproc>(&debuggingGetter),
-    reinterpret_cast<REALproc>(&debuggingSetter),
-    0,
-    nullptr,
-    0,
-    nullptr,
-    1,
-    &gHiddenAttribute};
+REALproperty gDebuggingProperty{nullptr,
+                                "Debugging",
+                                "Boolean",
+                                flags::kPublic | flags::kConsoleSafe | flags::kRuntimeOnly,
+                                reinterpret_cast<REALproc>(&debuggingGetter),
+                                reinterpret_cast<REALproc>(&debuggingSetter),
+                                0,
+                                nullptr,
+                                0,
+                                nullptr,
+                                1,
+                                &gHiddenAttribute};
 
 std::string capped(std::string text) {
   if (text.size() > kDeclarationCapacity) text.resize(kDeclarationCapacity);
@@ -60,7 +61,8 @@ REALmethodDefinition* allocateRows(std::size_t count) noexcept {
 }
 
 REALmoduleDefinition* createModule(std::size_t rowCount) noexcept {
-  auto* module = static_cast<REALmoduleDefinition*>(platform::allocateZeroed(sizeof(REALmoduleDefinition)));
+  auto* module =
+      static_cast<REALmoduleDefinition*>(platform::allocateZeroed(sizeof(REALmoduleDefinition)));
   if (module == nullptr) {
     if (debugEnabled()) debugLogLabel("Warning: Failed to allocate memory for module definition.");
     return nullptr;
@@ -90,7 +92,8 @@ void appendToModule(std::span<const REALmethodDefinition> rows) noexcept {
   } else {
     REALmethodDefinition* grown = allocateRows(gModule->methodCount + rows.size());
     if (grown == nullptr) {
-      if (debugEnabled()) debugLogLabel("Warning: Failed to allocate memory for method definitions.");
+      if (debugEnabled())
+        debugLogLabel("Warning: Failed to allocate memory for method definitions.");
       return;
     }
     std::copy_n(gModule->methods, gModule->methodCount, grown);
@@ -118,22 +121,25 @@ void adjustRowFlags(Row* rows, std::size_t count) noexcept {
 
 void convertIntoModule(const REALclassDefinition& definition) {
   std::vector<REALmethodDefinition> rows;
-  const std::span<const REALmethodDefinition> methods(definition.methods,
-                                                      definition.methods ? definition.methodCount : 0);
+  const std::span<const REALmethodDefinition> methods(
+      definition.methods, definition.methods ? definition.methodCount : 0);
   for (const auto& method : methods) {
     if (method.declaration == nullptr) continue;
     const std::string extension = extensionFormDeclaration(method.declaration, definition.name);
     if (method.function != nullptr)
       rows.push_back({method.function, nullptr, permanentCopy(extension),
-                      method.mFlags | flags::kGlobalScope, method.attributeCount, method.attributes});
+                      method.mFlags | flags::kGlobalScope, method.attributeCount,
+                      method.attributes});
     if (method.setterFunction != nullptr) {
       const auto assignment = assignmentFormDeclaration(extension);
       if (!assignment) {
-        if (debugEnabled()) debugLogText("Error: Keine Klammer in der Deklaration", method.declaration);
+        if (debugEnabled())
+          debugLogText("Error: Keine Klammer in der Deklaration", method.declaration);
         continue;
       }
       rows.push_back({method.setterFunction, nullptr, permanentCopy(*assignment),
-                      method.mFlags | flags::kGlobalScope, method.attributeCount, method.attributes});
+                      method.mFlags | flags::kGlobalScope, method.attributeCount,
+                      method.attributes});
     }
   }
   appendToModule(rows);
@@ -161,7 +167,8 @@ std::string extensionFormDeclaration(std::string_view declaration, std::string_v
     return capped(std::string(declaration) + "(extends ref as " + name + ")");
   const std::string head(declaration.substr(0, cut));
   if (declaration[cut] == '(')
-    return capped(head + "(extends ref as " + name + ", " + std::string(declaration.substr(cut + 1)));
+    return capped(head + "(extends ref as " + name + ", " +
+                  std::string(declaration.substr(cut + 1)));
   return capped(head + "(extends ref as " + name + ")" + std::string(declaration.substr(cut)));
 }
 
@@ -191,7 +198,8 @@ void registerClassExtension(REALclassDefinition* definition) noexcept {
     try {
       convertIntoModule(*definition);
     } catch (...) {
-      if (debugEnabled()) debugLogLabel("Warning: Failed to allocate memory for method definitions.");
+      if (debugEnabled())
+        debugLogLabel("Warning: Failed to allocate memory for method definitions.");
     }
     return;
   }
@@ -216,7 +224,8 @@ void registerGlobalMethods(REALmethodDefinition* methods, std::size_t count) noe
       for (auto& row : moduleRows) row.mFlags |= flags::kGlobalScope;
       appendToModule(moduleRows);
     } catch (...) {
-      if (debugEnabled()) debugLogLabel("Warning: Failed to allocate memory for method definitions.");
+      if (debugEnabled())
+        debugLogLabel("Warning: Failed to allocate memory for method definitions.");
     }
     return;
   }
@@ -233,6 +242,8 @@ void registerModule() noexcept {
   host::PluginRegisterModule(gModule);
 }
 
-const REALmoduleDefinition* preparedModule() noexcept { return gModule; }
+const REALmoduleDefinition* preparedModule() noexcept {
+  return gModule;
+}
 
 }  // namespace zel

@@ -6,8 +6,8 @@
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
-#include <windows.h>
 #include <process.h>
+#include <windows.h>
 #elif defined(__APPLE__)
 #include <pthread.h>
 #include <stdlib.h>

@@ -239,7 +239,7 @@ class RunWriter {
   std::string& out_;
   const Tables& tables_;
   const bool skipParagraphs_;
-  const SameFontName sameFont_;
+  const FontNamesMatch sameFont_;
   std::int64_t alignment_ = kAlignDefault;
   bool bold_ = false;
   bool italic_ = false;

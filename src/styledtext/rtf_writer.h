@@ -12,7 +12,7 @@ namespace zel::styledtext {
 
 // Decides whether a run's font differs from the one last written. The host compares its own way
 // (the adapter passes that comparison); both names are UTF-8 and never empty.
-using SameFontName = bool (*)(std::string_view a, std::string_view b);
+using FontNamesMatch = bool (*)(std::string_view a, std::string_view b);
 
 inline bool sameFontBytes(std::string_view a, std::string_view b) {
   return a == b;
@@ -20,7 +20,7 @@ inline bool sameFontBytes(std::string_view a, std::string_view b) {
 
 struct RtfWriteOptions {
   bool skipParagraphs = false;  // treat every run as default-aligned
-  SameFontName sameFont = &sameFontBytes;
+  FontNamesMatch sameFont = &sameFontBytes;
 };
 
 // The RTF bytes (ASCII apart from font names, which stay raw UTF-8). Empty exactly when there are

@@ -48,8 +48,8 @@ RBInteger StyledTextAddStyleRun(REALstring text, REALobject styledText, REALobje
 std::optional<RBInteger> StyledTextAddBufferedRun(std::string& buffer, std::uint32_t encoding,
                                                   REALobject styledText, REALobject& run,
                                                   RBInteger alignment) noexcept;
-std::optional<RBInteger> StyledTextAddUnitRun(char16_t unit, REALobject styledText,
-                                              REALobject& run, RBInteger alignment) noexcept;
+std::optional<RBInteger> StyledTextAddUnitRun(char16_t unit, REALobject styledText, REALobject& run,
+                                              RBInteger alignment) noexcept;
 
 void StyledTextSetParagraphAlignment(REALobject styledText, RBInteger index,
                                      RBInteger alignment) noexcept;

@@ -81,17 +81,24 @@ TEST_F(DefinitionChecks, ClassExtensionFindings) {
     std::function<void(REALclassDefinition&)> breakIt;
     std::vector<std::string> expected;
   } cases[] = {
-      {"version", [](auto& c) { c.version = 14; },
-       {"Error: The class extension StyledText has the wrong kCurrentREALControlVersion: 14 vs. 15"}},
-      {"lower-case name", [](auto& c) { c.name = "styledText"; },
+      {"version",
+       [](auto& c) { c.version = 14; },
+       {"Error: The class extension StyledText has the wrong kCurrentREALControlVersion: 14 vs. "
+        "15"}},
+      {"lower-case name",
+       [](auto& c) { c.name = "styledText"; },
        {"Error: The class extension name styledText does not start with capital letter."}},
-      {"super", [](auto& c) { c.superName = "Object"; },
+      {"super",
+       [](auto& c) { c.superName = "Object"; },
        {"Error: A class extension can't have super name: Object"}},
-      {"data size", [](auto& c) { c.dataSize = 8; },
+      {"data size",
+       [](auto& c) { c.dataSize = 8; },
        {"Error: The class extension StyledText has the dataSize value: 8"}},
-      {"system field", [](auto& c) { c.forSystemUse = 3; },
+      {"system field",
+       [](auto& c) { c.forSystemUse = 3; },
        {"Error: The class extension StyledText has the wrong forSystemUse value: 3"}},
-      {"method count without array", [](auto& c) { c.methods = nullptr; },
+      {"method count without array",
+       [](auto& c) { c.methods = nullptr; },
        {"Error: The class extension StyledText has the wrong methodCount value: 2",
         "Error: method StyledText.0 is NULL."}},
       {"too many methods",
@@ -114,7 +121,8 @@ TEST_F(DefinitionChecks, ClassExtensionFindings) {
          c.propertyCount = 1;
        },
        {"Warning: The class extension StyledText has the propertyCount value: 1"}},
-      {"console-safe method in unsafe class", [](auto& c) { c.mFlags = 0; },
+      {"console-safe method in unsafe class",
+       [](auto& c) { c.mFlags = 0; },
        {"Console-safe method in console-unsafe class: First(a as string) as string",
         "Console-safe method in console-unsafe class: Second as string"}},
   };
@@ -135,14 +143,18 @@ TEST_F(DefinitionChecks, MethodRowFindings) {
     std::function<void(REALmethodDefinition&)> breakIt;
     std::vector<std::string> expected;
   } cases[] = {
-      {"nil declaration", [](auto& m) { m.declaration = nullptr; },
+      {"nil declaration",
+       [](auto& m) { m.declaration = nullptr; },
        {"Error: The method StringGlobalsZEL.0 has nil declaration."}},
-      {"nil function", [](auto& m) { m.function = nullptr; },
+      {"nil function",
+       [](auto& m) { m.function = nullptr; },
        {"Error: The method StringGlobalsZEL.First(a as string) as string has nil function."}},
-      {"count without attributes", [](auto& m) { m.attributeCount = 5; },
+      {"count without attributes",
+       [](auto& m) { m.attributeCount = 5; },
        {"Error: The method StringGlobalsZEL.First(a as string) as string has the wrong "
         "attributeCount value: 5"}},
-      {"attributes without count", [&](auto& m) { m.attributes = broken; },
+      {"attributes without count",
+       [&](auto& m) { m.attributes = broken; },
        {"Error: The method StringGlobalsZEL.First(a as string) as string has the wrong "
         "attributeCount value: 0"}},
       {"attribute without name or value",
@@ -150,8 +162,10 @@ TEST_F(DefinitionChecks, MethodRowFindings) {
          m.attributes = broken;
          m.attributeCount = 2;
        },
-       {"Error: StringGlobalsZEL.First(a as string) as string has an attribute without name! Index: 0",
-        "Error: StringGlobalsZEL.First(a as string) as string has an attribute without value! Name: "
+       {"Error: StringGlobalsZEL.First(a as string) as string has an attribute without name! "
+        "Index: 0",
+        "Error: StringGlobalsZEL.First(a as string) as string has an attribute without value! "
+        "Name: "
         "Name Index: 1"}},
   };
   for (const auto& c : cases) {
@@ -162,7 +176,8 @@ TEST_F(DefinitionChecks, MethodRowFindings) {
     owner.methodCount = 1;
     owner.properties = nullptr;
     owner.propertyCount = 0;
-    EXPECT_THAT(findings([&] { zel::checkModule(&owner); }), ElementsAreArray(c.expected)) << c.name;
+    EXPECT_THAT(findings([&] { zel::checkModule(&owner); }), ElementsAreArray(c.expected))
+        << c.name;
   }
 }
 
@@ -184,11 +199,14 @@ TEST_F(DefinitionChecks, PropertyFindings) {
     std::function<void(REALproperty&)> breakIt;
     std::vector<std::string> expected;
   } cases[] = {
-      {"nil name", [](auto& p) { p.name = nullptr; },
+      {"nil name",
+       [](auto& p) { p.name = nullptr; },
        {"Error: The property StringGlobalsZEL.0 has nil name."}},
-      {"nil getter", [](auto& p) { p.getter = nullptr; },
+      {"nil getter",
+       [](auto& p) { p.getter = nullptr; },
        {"Error: The property StringGlobalsZEL.Size has nil getter."}},
-      {"nil type", [](auto& p) { p.type = nullptr; },
+      {"nil type",
+       [](auto& p) { p.type = nullptr; },
        {"Error: The property StringGlobalsZEL.0 has nil type."}},
       {"unaligned plain offset",
        [](auto& p) {
@@ -204,16 +222,21 @@ TEST_F(DefinitionChecks, PropertyFindings) {
        },
        {"Error: The property StringGlobalsZEL.Size needs custom getter.",
         "Error: The property StringGlobalsZEL.Size needs custom setter."}},
-      {"editor", [](auto& p) { p.editor = kFunction; },
+      {"editor",
+       [](auto& p) { p.editor = kFunction; },
        {"Error: The property StringGlobalsZEL.Size has editor."}},
-      {"enum value with a leading space", [&](auto& p) { p.enumEntries = spaced; },
+      {"enum value with a leading space",
+       [&](auto& p) { p.enumEntries = spaced; },
        {"Error: The enum value 1 in property StringGlobalsZEL.Size has extra space in value."}},
-      {"nil enum value", [&](auto& p) { p.enumEntries = withNil; },
+      {"nil enum value",
+       [&](auto& p) { p.enumEntries = withNil; },
        {"Error: The enum value 1 in property StringGlobalsZEL.Size has nil value."}},
-      {"enum count without array", [](auto& p) { p.enumEntries = nullptr; },
+      {"enum count without array",
+       [](auto& p) { p.enumEntries = nullptr; },
        {"Error: The property StringGlobalsZEL.Size has wrong enumCount: 2",
         "Error: property enum is nil for StringGlobalsZEL.Size: 2."}},
-      {"attributes without count", [&](auto& p) { p.attributes = attributes; },
+      {"attributes without count",
+       [&](auto& p) { p.attributes = attributes; },
        {"Error: The property StringGlobalsZEL.Size has attributes: 0",
         "Error: The property StringGlobalsZEL.Size has the wrong attributeCount value: 0"}},
   };
@@ -222,7 +245,8 @@ TEST_F(DefinitionChecks, PropertyFindings) {
     c.breakIt(rows[0]);
     REALmoduleDefinition owner = module;
     owner.properties = rows;
-    EXPECT_THAT(findings([&] { zel::checkModule(&owner); }), ElementsAreArray(c.expected)) << c.name;
+    EXPECT_THAT(findings([&] { zel::checkModule(&owner); }), ElementsAreArray(c.expected))
+        << c.name;
   }
 }
 
@@ -232,14 +256,18 @@ TEST_F(DefinitionChecks, ModuleFindings) {
     std::function<void(REALmoduleDefinition&)> breakIt;
     std::vector<std::string> expected;
   } cases[] = {
-      {"version", [](auto& m) { m.version = 7; },
+      {"version",
+       [](auto& m) { m.version = 7; },
        {"Error: The module StringGlobalsZEL has the wrong kCurrentREALControlVersion: 7 vs. 15"}},
       {"sdk level is a valid version", [](auto& m) { m.version = 13; }, {}},
       {"nameless", [](auto& m) { m.name = nullptr; }, {"Error: A module without name."}},
-      {"method count without array", [](auto& m) { m.methods = nullptr; },
+      {"method count without array",
+       [](auto& m) { m.methods = nullptr; },
        {"Error: The module StringGlobalsZEL has the wrong methodCount value: 2",
-        "Error: method array is nil while count is not zero!", "Error: method StringGlobalsZEL.0 is NULL."}},
-      {"console-safe property in unsafe module", [](auto& m) { m.mFlags = 0; },
+        "Error: method array is nil while count is not zero!",
+        "Error: method StringGlobalsZEL.0 is NULL."}},
+      {"console-safe property in unsafe module",
+       [](auto& m) { m.mFlags = 0; },
        {"Console-safe method in console-unsafe module: First(a as string) as string",
         "Console-safe method in console-unsafe module: Second as string",
         "Console-safe property in console-unsafe module: Size"}},
@@ -247,7 +275,8 @@ TEST_F(DefinitionChecks, ModuleFindings) {
   for (const auto& c : cases) {
     REALmoduleDefinition broken = module;
     c.breakIt(broken);
-    EXPECT_THAT(findings([&] { zel::checkModule(&broken); }), ElementsAreArray(c.expected)) << c.name;
+    EXPECT_THAT(findings([&] { zel::checkModule(&broken); }), ElementsAreArray(c.expected))
+        << c.name;
   }
   EXPECT_THAT(findings([] { zel::checkModule(nullptr); }),
               ElementsAreArray({"Error: A module registered is nil."}));

@@ -38,10 +38,12 @@ TEST_F(ExceptionTranslation, MapsEachStandardFailure) {
     const char* className;
     const char* message;
   } cases[] = {
-      {[] { throw std::bad_alloc(); }, "OutOfMemoryException", "Failed to allocate memory: std::bad_alloc"},
+      {[] { throw std::bad_alloc(); }, "OutOfMemoryException",
+       "Failed to allocate memory: std::bad_alloc"},
       {[] { throw std::range_error("r"); }, "OutOfBoundsException", "C++ reports range error: r"},
       {[] { throw std::out_of_range(""); }, "OutOfBoundsException", "C++ reports range error."},
-      {[] { throw std::overflow_error("big"); }, "OutOfBoundsException", "C++ reports overflow error: big"},
+      {[] { throw std::overflow_error("big"); }, "OutOfBoundsException",
+       "C++ reports overflow error: big"},
       {[] { throw std::underflow_error("small"); }, "OutOfBoundsException",
        "C++ reports underflow error: small"},
       {[] { throw std::invalid_argument("odd"); }, "RuntimeException", "C++ Exception: odd"},

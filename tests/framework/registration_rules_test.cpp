@@ -10,9 +10,10 @@ TEST(SdkLevel, FollowsTheHostVersionCutOvers) {
   const struct {
     double version;
     int level;
-  } cases[] = {{0.0, 9},      {2011.5, 9},   {2012.0, 10},  {2012.99, 10}, {2013.0, 11},
+  } cases[] = {{0.0, 9},       {2011.5, 9},   {2012.0, 10},   {2012.99, 10}, {2013.0, 11},
                {2013.029, 11}, {2013.03, 12}, {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
-  for (const auto& c : cases) EXPECT_EQ(zel::sdkLevelForHostVersion(c.version), c.level) << c.version;
+  for (const auto& c : cases)
+    EXPECT_EQ(zel::sdkLevelForHostVersion(c.version), c.level) << c.version;
 }
 
 TEST(DebugSwitch, AcceptsOneTrueOrYesInAnyCase) {
@@ -28,10 +29,10 @@ TEST(FlagAdjustment, ReplacesTargetFlagsOnOldHostsAndClearsTheMarker) {
     double version;
     std::uint32_t expected;
   } cases[] = {
-      {0x308, 2019.0, 4},          {0x308, 2020.02, 0x308},     {0x708, 2019.0, 0x708},
-      {0x318, 2019.0, 0x14},       {4, 2019.0, 4},              {0x40000, 2010.029, 4},
-      {0x40000, 2010.02, 0},       {0x40010, 2025.0, 0x14},     {0x40308, 2019.0, 4},
-      {0x40308, 2020.02, 0x30C},   {0x20, 2019.0, 0x20},
+      {0x308, 2019.0, 4},        {0x308, 2020.02, 0x308}, {0x708, 2019.0, 0x708},
+      {0x318, 2019.0, 0x14},     {4, 2019.0, 4},          {0x40000, 2010.029, 4},
+      {0x40000, 2010.02, 0},     {0x40010, 2025.0, 0x14}, {0x40308, 2019.0, 4},
+      {0x40308, 2020.02, 0x30C}, {0x20, 2019.0, 0x20},
   };
   for (const auto& c : cases)
     EXPECT_EQ(zel::adjustedFlags(c.flags, c.version), c.expected)
@@ -76,8 +77,10 @@ TEST(DeclarationRewriting, CutsAt999Characters) {
 }
 
 TEST(ModuleRegistration, OnlyBetween2013And3000) {
-  for (double version : {2013.0, 2019.0, 2025.03, 2999.99}) EXPECT_TRUE(zel::registersIntoModule(version));
-  for (double version : {0.0, 2012.5, 2012.99, 3000.0, 3001.0}) EXPECT_FALSE(zel::registersIntoModule(version));
+  for (double version : {2013.0, 2019.0, 2025.03, 2999.99})
+    EXPECT_TRUE(zel::registersIntoModule(version));
+  for (double version : {0.0, 2012.5, 2012.99, 3000.0, 3001.0})
+    EXPECT_FALSE(zel::registersIntoModule(version));
 }
 
 }  // namespace

@@ -36,10 +36,12 @@ TEST(Startup, AnnouncesTheSdkLevelOfTheHostVersion) {
   const struct {
     double version;
     int level;
-  } cases[] = {{2011.5, 9}, {2012.99, 10}, {2013.0, 11}, {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
+  } cases[] = {{2011.5, 9},    {2012.99, 10}, {2013.0, 11},
+               {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
   for (const auto& c : cases) {
     zelhost::configure({.version = c.version});
-    EXPECT_THAT(zelhost::loadPlugin(ZEL_PLUGIN_PATH).pluginVersions, ElementsAre(c.level)) << c.version;
+    EXPECT_THAT(zelhost::loadPlugin(ZEL_PLUGIN_PATH).pluginVersions, ElementsAre(c.level))
+        << c.version;
   }
 }
 
@@ -53,7 +55,8 @@ TEST(Startup, LoadingLineOnlyInTheIdeWithTheSwitchOn) {
   for (const char* on : {"1", "TRUE", "Yes"})
     EXPECT_THAT(loadWithDebugSwitch(on, false), Contains(kLoadingLine)) << on;
   for (const char* off : {"0", "2", "on", "", static_cast<const char*>(nullptr)})
-    EXPECT_THAT(loadWithDebugSwitch(off, false), Not(Contains(kLoadingLine))) << (off ? off : "unset");
+    EXPECT_THAT(loadWithDebugSwitch(off, false), Not(Contains(kLoadingLine)))
+        << (off ? off : "unset");
   EXPECT_THAT(loadWithDebugSwitch("1", true), Not(Contains(kLoadingLine)));
 }
 

@@ -15,6 +15,9 @@ struct Conversion {
   std::string expected;
 };
 
+// Keeps test names readable in ctest listings.
+void PrintTo(const Conversion& conversion, std::ostream* out) { *out << conversion.name; }
+
 const Conversion kConversions[] = {
     {"utf8 to utf16 native", "a\xC3\xA9\xF0\x9F\x98\x80", encoding::kUTF8, encoding::kUTF16,
      "a\0\xE9\0\x3D\xD8\x00\xDE"s},

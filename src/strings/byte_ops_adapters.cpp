@@ -1,0 +1,225 @@
+#include "strings/byte_ops_adapters.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <new>
+#include <string>
+#include <string_view>
+
+#include "framework/debug_log.h"
+#include "framework/host_api.h"
+#include "strings/byte_ops.h"
+
+namespace zel::adapters {
+namespace {
+
+using strings::ByteRange;
+
+RBInteger positionInRanges(REALstring target, std::initializer_list<ByteRange> ranges) noexcept {
+  return readBytes(
+      [&](std::string_view bytes) -> RBInteger {
+        return strings::positionOfByteInRanges(bytes, {ranges.begin(), ranges.size()});
+      },
+      target);
+}
+
+RBInteger positionInRangesOrSet(REALstring target, REALstring find,
+                                std::initializer_list<ByteRange> ranges) noexcept {
+  return readBytes(
+      [&](std::string_view bytes, std::string_view set) -> RBInteger {
+        return strings::positionOfSignedByteInRangesOrSet(bytes, set,
+                                                          {ranges.begin(), ranges.size()});
+      },
+      target, find);
+}
+
+constexpr std::uint32_t encodingOf(strings::UnicodeForm form) {
+  switch (form) {
+    case strings::UnicodeForm::utf8:
+      return encoding::kUTF8;
+    case strings::UnicodeForm::utf16:
+      return encoding::kUTF16;
+    case strings::UnicodeForm::utf32:
+      return encoding::kUTF32;
+  }
+  return encoding::kNone;
+}
+
+REALstring convertWithHost(REALstring s, std::uint32_t target) noexcept {
+  if (s == nullptr) return nullptr;
+  return guarded([&] { return host::REALConvertString(s, target); });
+}
+
+}  // namespace
+
+// An empty mask (nil included) has nothing to apply, so a nil argument gives nil.
+REALstring StringANDZEL(REALstring a, REALstring b) noexcept {
+  return bytesToString(encoding::kNone, &strings::maskAnd, a, b);
+}
+
+REALstring StringORZEL(REALstring a, REALstring b) noexcept {
+  return bytesToString(encoding::kNone, &strings::maskOr, a, b);
+}
+
+REALstring StringXORZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept {
+  return bytesToString(
+      encoding::kNone,
+      [&](std::string_view bytes, std::string_view mask) {
+        return strings::maskXor(bytes, mask, maskOffset);
+      },
+      data, xorMask);
+}
+
+REALstring StringXOR2ZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept {
+  return bytesToString(
+      encoding::kNone,
+      [&](std::string_view bytes, std::string_view mask) {
+        return strings::maskXorWithPosition(bytes, mask, maskOffset);
+      },
+      data, xorMask);
+}
+
+REALstring ConcatBinaryStringsZEL6(REALstring a, REALstring b, REALstring c, REALstring d,
+                                   REALstring e, REALstring f) noexcept {
+  return bytesToString(
+      encoding::kNone, [](auto... parts) { return strings::concatBytes({parts...}); }, a, b, c, d,
+      e, f);
+}
+
+REALstring ConcatBinaryStringsZEL5(REALstring a, REALstring b, REALstring c, REALstring d,
+                                   REALstring e) noexcept {
+  return ConcatBinaryStringsZEL6(a, b, c, d, e, nullptr);
+}
+
+REALstring ConcatBinaryStringsZEL4(REALstring a, REALstring b, REALstring c,
+                                   REALstring d) noexcept {
+  return ConcatBinaryStringsZEL6(a, b, c, d, nullptr, nullptr);
+}
+
+REALstring ConcatBinaryStringsZEL3(REALstring a, REALstring b, REALstring c) noexcept {
+  return ConcatBinaryStringsZEL6(a, b, c, nullptr, nullptr, nullptr);
+}
+
+REALstring ConcatBinaryStringsZEL2(REALstring a, REALstring b) noexcept {
+  return ConcatBinaryStringsZEL6(a, b, nullptr, nullptr, nullptr, nullptr);
+}
+
+RBInteger InStrBytesZEL(REALstring target, REALstring find) noexcept {
+  return readBytes(&strings::positionOfAnyByte, target, find);
+}
+
+RBInteger InStrByteRangeZEL1(REALstring target, RBInteger start, RBInteger end) noexcept {
+  return positionInRanges(target, {{start, end}});
+}
+
+RBInteger InStrByteRangeZEL2(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
+                             RBInteger end2) noexcept {
+  return positionInRanges(target, {{start, end}, {start2, end2}});
+}
+
+RBInteger InStrByteRangeZEL3(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
+                             RBInteger end2, RBInteger start3, RBInteger end3) noexcept {
+  return positionInRanges(target, {{start, end}, {start2, end2}, {start3, end3}});
+}
+
+RBInteger InStrByteRangeFindZEL1(REALstring target, REALstring find, RBInteger start,
+                                 RBInteger end) noexcept {
+  return positionInRangesOrSet(target, find, {{start, end}});
+}
+
+RBInteger InStrByteRangeFindZEL2(REALstring target, REALstring find, RBInteger start, RBInteger end,
+                                 RBInteger start2, RBInteger end2) noexcept {
+  return positionInRangesOrSet(target, find, {{start, end}, {start2, end2}});
+}
+
+RBInteger InStrByteRangeFindZEL3(REALstring target, REALstring find, RBInteger start, RBInteger end,
+                                 RBInteger start2, RBInteger end2, RBInteger start3,
+                                 RBInteger end3) noexcept {
+  return positionInRangesOrSet(target, find, {{start, end}, {start2, end2}, {start3, end3}});
+}
+
+RBInteger StrCompBytesZEL(REALstring a, REALstring b) noexcept {
+  if (a == nullptr) return -1;
+  if (b == nullptr) return 1;
+  return readBytes(&strings::compareBytesZeroPadded, a, b);
+}
+
+REALstring CreateStringZEL(RBInteger length, REALstring content) noexcept {
+  return guarded([&]() -> REALstring {
+    const HostStringBytes unit(content);
+    std::string filled;
+    try {
+      filled = strings::repeatToLength(length, unit.view());
+    } catch (const std::bad_alloc&) {
+      // This function words its failure itself instead of the generic translation.
+      RaiseHostException("OutOfMemoryException", "Failed to allocate memory.");
+      return nullptr;
+    }
+    return buildString(filled,
+                       content == nullptr ? encoding::kNone : host::REALGetStringEncoding(content));
+  });
+}
+
+RBBoolean ClearStringContentZEL(REALstring s) noexcept {
+  if (s == nullptr) return false;
+  return guarded([&]() -> RBBoolean {
+    RBInteger size = 0;
+    // The wipe writes into the host's own storage: that is its purpose.
+    char* const data = const_cast<char*>(host::StringGetCString(s, &size));
+    const auto offset = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(data) -
+                                                    reinterpret_cast<std::uintptr_t>(s));
+    if (debugEnabled()) {
+      debugLogInt64("mPrivateStringDelta1", offset);
+      debugLogInt64("mySize", size);
+      debugLogPointer("myData", data);
+    }
+    const std::size_t count = data == nullptr || size < 0 ? 0 : static_cast<std::size_t>(size);
+    return strings::wipeInlineStringBytes({reinterpret_cast<std::uint8_t*>(data), count}, offset);
+  });
+}
+
+REALstring RandomBytesStringZEL(RBInteger length, RBBoolean ascii) noexcept {
+  return quietOnOutOfMemory([&] {
+    return buildString(strings::randomBytes(length, ascii != 0),
+                       ascii != 0 ? encoding::kASCII : encoding::kNone);
+  });
+}
+
+RBBoolean IsASCIIStringZEL(REALstring s) noexcept {
+  if (s == nullptr) return true;
+  return readBytes([](std::string_view bytes) -> RBBoolean { return strings::isAscii(bytes); }, s);
+}
+
+RBBoolean IsASCIIStringZEL_Mode(REALstring s, RBInteger mode) noexcept {
+  if (s == nullptr) return true;
+  return readBytes(
+      [&](std::string_view bytes) -> RBBoolean { return strings::isAscii(bytes, mode); }, s);
+}
+
+REALstring ReplaceNonPrintableCharactersZEL(REALstring s, RBInteger replaceValue) noexcept {
+  return bytesToString(
+      encoding::kASCII,
+      [&](std::string_view bytes) { return strings::replaceNonPrintable(bytes, replaceValue); }, s);
+}
+
+RBInteger DetectUnicodeMarkersZEL(REALstring s) noexcept {
+  return readBytes(&strings::detectUnicodeMarker, s);
+}
+
+REALstring GetUnicodeMarkersZEL(RBInteger kind) noexcept {
+  return quietOnOutOfMemory([&]() -> REALstring {
+    const auto marker = strings::unicodeMarker(kind);
+    return marker ? buildString(marker->bytes, encodingOf(marker->form)) : nullptr;
+  });
+}
+
+REALstring UnicodeStringZEL(REALstring s) noexcept {
+  return convertWithHost(s, encoding::kUTF16);
+}
+
+REALstring NativeStringZEL(REALstring s) noexcept {
+  return convertWithHost(s, encoding::kUTF8);
+}
+
+}  // namespace zel::adapters

@@ -1,0 +1,86 @@
+// Registered functions over strings as plain runs of bytes: masks, concatenation, byte-set search,
+// comparison, filling, wiping, random bytes, ASCII tests, byte-order marks and whole-string
+// conversion. Also the call shapes that the byte-level families share.
+#pragma once
+
+#include <cstdint>
+#include <new>
+
+#include "bridge/adapter_support.h"
+#include "bridge/host_string_bytes.h"
+#include "framework/exceptions.h"
+#include "sdk/host_types.h"
+
+namespace zel::adapters {
+
+// For functions whose failed allocations end the call with the empty result (nil, 0, false)
+// and no host exception; every other failure is translated as usual.
+template <class Body>
+auto quietOnOutOfMemory(Body&& body) noexcept -> decltype(body()) {
+  return guarded([&]() -> decltype(body()) {
+    try {
+      return body();
+    } catch (const std::bad_alloc&) {
+      return {};
+    }
+  });
+}
+
+// Runs a kernel over the bytes of the string arguments, borrowed for the call (nil reads as no
+// bytes), and hands back its number or Boolean.
+template <class Kernel, class... Strings>
+auto readBytes(Kernel&& kernel, Strings... strings) noexcept {
+  return quietOnOutOfMemory([&] { return kernel(HostStringBytes(strings).view()...); });
+}
+
+// The same for a kernel that makes bytes: they become a new host string in `resultEncoding`
+// (no bytes give nil).
+template <class Kernel, class... Strings>
+REALstring bytesToString(std::uint32_t resultEncoding, Kernel&& kernel,
+                         Strings... strings) noexcept {
+  return quietOnOutOfMemory(
+      [&] { return buildString(kernel(HostStringBytes(strings).view()...), resultEncoding); });
+}
+
+REALstring StringANDZEL(REALstring a, REALstring b) noexcept;
+REALstring StringORZEL(REALstring a, REALstring b) noexcept;
+REALstring StringXORZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept;
+REALstring StringXOR2ZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept;
+
+REALstring ConcatBinaryStringsZEL6(REALstring a, REALstring b, REALstring c, REALstring d,
+                                   REALstring e, REALstring f) noexcept;
+REALstring ConcatBinaryStringsZEL5(REALstring a, REALstring b, REALstring c, REALstring d,
+                                   REALstring e) noexcept;
+REALstring ConcatBinaryStringsZEL4(REALstring a, REALstring b, REALstring c, REALstring d) noexcept;
+REALstring ConcatBinaryStringsZEL3(REALstring a, REALstring b, REALstring c) noexcept;
+REALstring ConcatBinaryStringsZEL2(REALstring a, REALstring b) noexcept;
+
+RBInteger InStrBytesZEL(REALstring target, REALstring find) noexcept;
+RBInteger InStrByteRangeZEL1(REALstring target, RBInteger start, RBInteger end) noexcept;
+RBInteger InStrByteRangeZEL2(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
+                             RBInteger end2) noexcept;
+RBInteger InStrByteRangeZEL3(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
+                             RBInteger end2, RBInteger start3, RBInteger end3) noexcept;
+RBInteger InStrByteRangeFindZEL1(REALstring target, REALstring find, RBInteger start,
+                                 RBInteger end) noexcept;
+RBInteger InStrByteRangeFindZEL2(REALstring target, REALstring find, RBInteger start, RBInteger end,
+                                 RBInteger start2, RBInteger end2) noexcept;
+RBInteger InStrByteRangeFindZEL3(REALstring target, REALstring find, RBInteger start, RBInteger end,
+                                 RBInteger start2, RBInteger end2, RBInteger start3,
+                                 RBInteger end3) noexcept;
+RBInteger StrCompBytesZEL(REALstring a, REALstring b) noexcept;
+
+REALstring CreateStringZEL(RBInteger length, REALstring content) noexcept;
+RBBoolean ClearStringContentZEL(REALstring s) noexcept;
+REALstring RandomBytesStringZEL(RBInteger length, RBBoolean ascii) noexcept;
+
+RBBoolean IsASCIIStringZEL(REALstring s) noexcept;
+RBBoolean IsASCIIStringZEL_Mode(REALstring s, RBInteger mode) noexcept;
+REALstring ReplaceNonPrintableCharactersZEL(REALstring s, RBInteger replaceValue) noexcept;
+
+RBInteger DetectUnicodeMarkersZEL(REALstring s) noexcept;
+REALstring GetUnicodeMarkersZEL(RBInteger kind) noexcept;
+REALstring UnicodeStringZEL(REALstring s) noexcept;
+REALstring NativeStringZEL(REALstring s) noexcept;
+
+}  // namespace zel::adapters

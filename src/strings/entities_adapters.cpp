@@ -1,0 +1,76 @@
+#include "strings/entities_adapters.h"
+
+#include <cstdint>
+#include <string_view>
+
+#include "bridge/adapter_support.h"
+#include "bridge/host_text.h"
+#include "framework/exceptions.h"
+#include "framework/host_api.h"
+#include "strings/entities.h"
+
+namespace zel::adapters {
+namespace {
+
+REALstring decodedEntities(REALstring s) noexcept {
+  if (s == nullptr) return nullptr;
+  return guarded([&] {
+    HostText text(s);
+    return buildString(std::u32string_view(strings::decodeEntities(text.utf32())));
+  });
+}
+
+// Only these encodings store markup characters as single ASCII bytes.
+constexpr bool hasAsciiBytes(std::uint32_t stringEncoding) {
+  using namespace encoding;
+  return stringEncoding == kASCII || stringEncoding == kMacRoman ||
+         stringEncoding == kWindowsLatin1 || stringEncoding == kUTF8;
+}
+
+RBBoolean markupReady(REALstring s) noexcept {
+  if (s == nullptr) return true;
+  return guarded([&]() -> RBBoolean {
+    if (!hasAsciiBytes(host::REALGetStringEncoding(s))) return false;
+    const HostStringBytes bytes(s);
+    return strings::isMarkupReady(bytes.view());
+  });
+}
+
+}  // namespace
+
+// The encoders hand back the caller's own string when nothing needs escaping.
+REALstring EncodingToHTMLZEL(REALstring s, RBInteger options) noexcept {
+  if (s == nullptr) return nullptr;
+  return guarded([&] {
+    HostText text(s);
+    const auto encoded = strings::encodeHtmlEntities(text.utf32(), options);
+    return encoded ? buildString(*encoded, encoding::kASCII) : shareString(s);
+  });
+}
+
+REALstring EncodingToXMLZEL(REALstring s, RBInteger options) noexcept {
+  if (s == nullptr) return nullptr;
+  return guarded([&] {
+    HostText text(s);
+    const auto encoded = strings::encodeXmlEntities(text.utf32(), options);
+    return encoded ? buildString(std::u32string_view(*encoded)) : shareString(s);
+  });
+}
+
+REALstring DecodingFromHTMLZEL(REALstring s) noexcept {
+  return decodedEntities(s);
+}
+
+REALstring DecodingFromXMLZEL(REALstring s) noexcept {
+  return decodedEntities(s);
+}
+
+RBBoolean StringIsHTMLreadyZEL(REALstring s) noexcept {
+  return markupReady(s);
+}
+
+RBBoolean StringIsXMLreadyZEL(REALstring s) noexcept {
+  return markupReady(s);
+}
+
+}  // namespace zel::adapters

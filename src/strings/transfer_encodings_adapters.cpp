@@ -1,0 +1,63 @@
+#include "strings/transfer_encodings_adapters.h"
+
+#include <string_view>
+
+#include "bridge/adapter_support.h"
+#include "bridge/host_text.h"
+#include "strings/byte_ops_adapters.h"
+#include "strings/transfer_encodings.h"
+
+namespace zel::adapters {
+
+REALstring EncodingToHexZEL(REALstring s) noexcept {
+  return bytesToString(encoding::kASCII, &strings::encodeHex, s);
+}
+
+REALstring DecodingFromHexZEL(REALstring s) noexcept {
+  if (s == nullptr) return nullptr;
+  return quietOnOutOfMemory([&] {
+    HostText text(s);
+    return buildString(strings::decodeHex(text.ascii()), encoding::kNone);
+  });
+}
+
+REALstring EncodingToURLZEL(REALstring s) noexcept {
+  return EncodingToURLZEL_Options(s, 0);
+}
+
+REALstring EncodingToURLZEL_Options(REALstring s, RBInteger options) noexcept {
+  return bytesToString(
+      encoding::kASCII, [&](std::string_view bytes) { return strings::encodeUrl(bytes, options); },
+      s);
+}
+
+REALstring DecodingFromURLZEL(REALstring s) noexcept {
+  return DecodingFromURLZEL_Options(s, 0);
+}
+
+REALstring DecodingFromURLZEL_Options(REALstring s, RBInteger options) noexcept {
+  return bytesToString(
+      encoding::kNone, [&](std::string_view bytes) { return strings::decodeUrl(bytes, options); },
+      s);
+}
+
+REALstring EncodingToQuotedPrintableZEL(REALstring s, RBInteger lineLength) noexcept {
+  return bytesToString(
+      encoding::kASCII,
+      [&](std::string_view bytes) { return strings::encodeQuotedPrintable(bytes, lineLength); }, s);
+}
+
+REALstring DecodingFromQuotedPrintableZEL(REALstring s) noexcept {
+  return bytesToString(encoding::kASCII, &strings::decodeQuotedPrintable, s);
+}
+
+REALstring EncodeEmailSubjectZEL(REALstring s) noexcept {
+  if (s == nullptr) return nullptr;
+  return quietOnOutOfMemory([&] {
+    HostText text(s);
+    const auto encoded = strings::encodeEmailSubject(text.utf8());
+    return encoded ? buildString(*encoded, encoding::kASCII) : shareString(s);
+  });
+}
+
+}  // namespace zel::adapters

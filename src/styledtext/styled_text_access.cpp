@@ -1,0 +1,381 @@
+#include "styledtext/styled_text_access.h"
+
+#include <algorithm>
+#include <atomic>
+#include <utility>
+
+#include "bridge/adapter_support.h"
+#include "bridge/host_string_bytes.h"
+#include "bridge/host_text.h"
+#include "framework/debug_log.h"
+#include "framework/host_api.h"
+
+namespace zel::styledtext {
+namespace {
+
+// One object method, remembered together with the object it was loaded for. Host threads may
+// race on it: a version counter (odd while a writer fills the slot) lets a reader tell a torn
+// pair from a whole one, and a reader or writer that loses a race simply loads the method again.
+class ObjectMethodSlot {
+ public:
+  explicit constexpr ObjectMethodSlot(const char* declaration) : declaration_(declaration) {}
+
+  void* load(REALobject object) noexcept {
+    if (void* cached = lookUp(object)) return cached;
+    void* loaded = host::REALLoadObjectMethod(object, declaration_);
+    if (loaded != nullptr) remember(object, loaded);
+    return loaded;
+  }
+
+ private:
+  void* lookUp(REALobject object) const noexcept {
+    const std::uint64_t before = version_.load(std::memory_order_acquire);
+    if (before % 2 != 0) return nullptr;
+    REALobject cachedObject = object_.load(std::memory_order_relaxed);
+    void* cachedMethod = method_.load(std::memory_order_relaxed);
+    std::atomic_thread_fence(std::memory_order_acquire);
+    if (version_.load(std::memory_order_relaxed) != before || cachedObject != object) {
+      return nullptr;
+    }
+    return cachedMethod;
+  }
+
+  void remember(REALobject object, void* method) noexcept {
+    std::uint64_t current = version_.load(std::memory_order_relaxed);
+    if (current % 2 != 0 ||
+        !version_.compare_exchange_strong(current, current + 1, std::memory_order_acquire)) {
+      return;
+    }
+    std::atomic_thread_fence(std::memory_order_release);
+    object_.store(object, std::memory_order_relaxed);
+    method_.store(method, std::memory_order_relaxed);
+    version_.store(current + 2, std::memory_order_release);
+  }
+
+  const char* declaration_;
+  std::atomic<std::uint64_t> version_{0};
+  std::atomic<REALobject> object_{nullptr};
+  std::atomic<void*> method_{nullptr};
+};
+
+constinit ObjectMethodSlot styleRunMethod("StyleRun(Index as Integer) As StyleRun");
+constinit ObjectMethodSlot paragraphMethod("Paragraph(Index as Integer) As Paragraph");
+constinit ObjectMethodSlot appendStyleRunMethod("AppendStyleRun(Run as StyleRun)");
+constinit ObjectMethodSlot paragraphAlignmentMethod(
+    "ParagraphAlignment(Index As Integer, assigns _value as Integer)");
+constinit ObjectMethodSlot removeStyleRunMethod("RemoveStyleRun(Index as Integer)");
+
+constinit std::atomic<void*> lenMethod{nullptr};
+
+using ObjectAt = REALobject (*)(REALobject, RBInteger);
+using AppendRun = void (*)(REALobject, REALobject);
+using SetAlignment = void (*)(REALobject, RBInteger, RBInteger);
+using RemoveRun = void (*)(REALobject, RBInteger);
+using Len = RBInteger (*)(REALstring);
+
+RBInteger hostLen(REALstring s) noexcept {
+  void* len = lenMethod.load(std::memory_order_acquire);
+  if (len == nullptr) {
+    len = host::REALLoadGlobalMethod(nullptr, "Len(s as string) as integer");
+    if (len == nullptr) return 0;
+    lenMethod.store(len, std::memory_order_release);
+  }
+  return reinterpret_cast<Len>(len)(s);
+}
+
+RBInteger integerProperty(REALobject o, const char* name) noexcept {
+  RBInteger value = 0;
+  host::REALGetPropValueInteger(o, name, &value);
+  return value;
+}
+
+bool booleanProperty(REALobject o, const char* name) noexcept {
+  RBBoolean value = 0;
+  host::REALGetPropValueBool(o, name, &value);
+  return value != 0;
+}
+
+OwnedString stringProperty(REALobject o, const char* name) noexcept {
+  REALstring value = nullptr;
+  if (!host::REALGetPropValueString(o, name, &value)) return {};
+  return OwnedString(value);
+}
+
+// Some hosts hand the font name over as UTF-16 without saying so; a zero byte gives them away.
+OwnedString readFont(REALobject run) noexcept {
+  OwnedString font = stringProperty(run, "Font");
+  if (!font) return font;
+  const HostStringBytes bytes(font.get());
+  const auto raw = bytes.view();
+  if (raw.find('\0') == std::string_view::npos) return font;
+  REALstring retagged =
+      host::REALBuildStringWithEncoding(raw.data(), static_cast<int>(raw.size()), encoding::kUTF16);
+  return retagged ? OwnedString(retagged) : std::move(font);
+}
+
+std::optional<StyleRunRecord> readRun(REALobject styledText, RBInteger index) noexcept {
+  const auto runAt = reinterpret_cast<ObjectAt>(styleRunMethod.load(styledText));
+  REALobject run = runAt ? runAt(styledText, index) : nullptr;
+  if (run == nullptr) return std::nullopt;
+  StyleRunRecord record;
+  if (const OwnedString font = readFont(run))
+    record.font = std::string(HostText(font.get()).utf8());
+  const OwnedString text = stringProperty(run, "Text");
+  record.text = std::u16string(HostText(text.get()).utf16());
+  host::REALGetPropValueColor(run, "TextColor", &record.textColor);
+  record.bold = booleanProperty(run, "Bold");
+  record.italic = booleanProperty(run, "Italic");
+  record.underline = booleanProperty(run, "Underline");
+  record.size = integerProperty(run, "Size");
+  record.length = hostLen(text.get());
+  host::REALUnlockObject(run);
+  return record;
+}
+
+std::vector<ParagraphRange> readParagraphs(REALobject styledText, RBInteger count) {
+  std::vector<ParagraphRange> paragraphs;
+  const auto paragraphAt = reinterpret_cast<ObjectAt>(paragraphMethod.load(styledText));
+  if (paragraphAt == nullptr) return paragraphs;
+  for (RBInteger index = 0; index < count; ++index) {
+    REALobject paragraph = paragraphAt(styledText, index);
+    if (paragraph == nullptr) continue;
+    paragraphs.push_back({integerProperty(paragraph, "StartPos"),
+                          integerProperty(paragraph, "EndPos"),
+                          integerProperty(paragraph, "Alignment")});
+    host::REALUnlockObject(paragraph);
+  }
+  return paragraphs;
+}
+
+// The common shape of the run setters: nil check, the label, the write, the failure line.
+template <class Write>
+void setRunProperty(REALobject run, const char* label, const char* failure, Write write) noexcept {
+  if (run == nullptr) {
+    debugLogText("StyleRun is nil in", label);
+    return;
+  }
+  if (!write()) debugLogLabel(failure);
+}
+
+bool sameHostString(REALstring a, REALstring b) noexcept {
+  return host::RuntimeStringCompare(a, b) == 0;
+}
+
+// Sets a font property and, with the log on, reads it back to show what the host kept.
+bool setFontProperty(REALobject run, const char* property, REALstring name,
+                     const char* readFailure) noexcept {
+  if (!host::REALSetPropValueString(run, property, name)) return false;
+  if (!debugEnabled()) return true;
+  REALstring stored = nullptr;
+  if (!host::REALGetPropValueString(run, property, &stored)) {
+    debugLogLabel(readFailure);
+    return true;
+  }
+  const OwnedString kept(stored);
+  debugLogString("fontSet", kept.get());
+  if (!sameHostString(kept.get(), name)) debugLogLabel("Warning: Font queried is not same!");
+  return true;
+}
+
+void dropRun(REALobject& run) noexcept {
+  if (run != nullptr) host::REALUnlockObject(run);
+  run = nullptr;
+}
+
+}  // namespace
+
+std::vector<StyleRunRecord> ReadStyleRuns(REALobject styledText, bool skipParagraphs) {
+  std::vector<StyleRunRecord> runs;
+  if (styledText == nullptr) return runs;
+  const RBInteger runCount = StyleRunCount(styledText);
+  if (runCount == 0) return runs;
+  const RBInteger paragraphCount = ParagraphCount(styledText);
+  if (paragraphCount == 0) return runs;
+  runs.reserve(static_cast<std::size_t>(std::max<RBInteger>(runCount, 0)));
+  std::int64_t offset = 0;
+  for (RBInteger index = 0; index < runCount; ++index) {
+    std::optional<StyleRunRecord> record = readRun(styledText, index);
+    if (!record) continue;
+    record->startPos = offset;
+    offset += record->length;
+    record->midPos = record->startPos + record->length / 2;
+    runs.push_back(std::move(*record));
+  }
+  if (!skipParagraphs) claimParagraphAlignments(runs, readParagraphs(styledText, paragraphCount));
+  return runs;
+}
+
+RBInteger ParagraphCount(REALobject styledText) noexcept {
+  return integerProperty(styledText, "ParagraphCount");
+}
+
+RBInteger StyleRunCount(REALobject styledText) noexcept {
+  return integerProperty(styledText, "StyleRunCount");
+}
+
+bool SameFontName(std::string_view a, std::string_view b) noexcept {
+  if (a == b) return true;
+  const OwnedString first(
+      host::REALBuildStringWithEncoding(a.data(), static_cast<int>(a.size()), encoding::kUTF8));
+  const OwnedString second(
+      host::REALBuildStringWithEncoding(b.data(), static_cast<int>(b.size()), encoding::kUTF8));
+  if (!first || !second) return false;
+  return sameHostString(first.get(), second.get());
+}
+
+REALobject NewStyleRun() noexcept {
+  REALobject run = host::PluginNewInstance("StyleRun");
+  if (run == nullptr) debugLogLabel("NewStyleRun failed");
+  return run;
+}
+
+void StyleRunSetBold(REALobject run, bool value) noexcept {
+  debugLogInt32("StyleRunSetBold", value);
+  setRunProperty(run, "StyleRunSetBold", "Failed to set Bold property.",
+                 [&] { return host::REALSetPropValueBoolean(run, "Bold", value); });
+}
+
+void StyleRunSetItalic(REALobject run, bool value) noexcept {
+  debugLogInt32("StyleRunSetItalic", value);
+  setRunProperty(run, "StyleRunSetItalic", "Failed to set Italic property.",
+                 [&] { return host::REALSetPropValueBoolean(run, "Italic", value); });
+}
+
+void StyleRunSetUnderline(REALobject run, bool value) noexcept {
+  debugLogInt32("StyleRunSetUnderline", value);
+  setRunProperty(run, "StyleRunSetUnderline", "Failed to set Underline property.",
+                 [&] { return host::REALSetPropValueBoolean(run, "Underline", value); });
+}
+
+void StyleRunSetSize(REALobject run, RBInteger value) noexcept {
+  debugLogInt64("StyleRunSetSize", value);
+  setRunProperty(run, "StyleRunSetSize", "Failed to set Size property.",
+                 [&] { return host::REALSetPropValueInteger(run, "Size", value); });
+}
+
+void StyleRunSetTextColor(REALobject run, RBColor value) noexcept {
+  debugLogUInt32("StyleRunSetTextColor", value);
+  setRunProperty(run, "StyleRunSetTextColor", "Failed to set TextColor property.",
+                 [&] { return host::REALSetPropValueUInt32(run, "TextColor", value); });
+}
+
+void StyleRunSetFontName(REALobject run, REALstring name) noexcept {
+  if (run == nullptr) {
+    debugLogText("StyleRun is nil in", "StyleRunSetFontName");
+    return;
+  }
+  if (debugEnabled()) {
+    debugLogString("StyleRunSetFontName", name);
+    debugLogInt64("LengthUTF8", HostText(name).Utf8Length());
+  }
+  if (setFontProperty(run, "Font", name, "Failed to query Font property!")) return;
+  debugLogLabel("Failed to set Font property, trying FontName.");
+  if (!setFontProperty(run, "FontName", name, "Failed to query FontName property!")) {
+    debugLogLabel("Failed to set FontName property.");
+  }
+}
+
+void StyleRunSetText(REALobject run, REALstring text) noexcept {
+  if (run == nullptr) {
+    debugLogText("StyleRun is nil in", "StyleRunSetText");
+    return;
+  }
+  if (!host::REALSetPropValueString(run, "Text", text)) {
+    debugLogLabel("Failed to set text property.");
+    return;
+  }
+  if (!debugEnabled()) return;
+  REALstring stored = nullptr;
+  if (!host::REALGetPropValueString(run, "Text", &stored)) {
+    debugLogLabel("Failed to query value set!");
+    return;
+  }
+  const OwnedString kept(stored);
+  if (!sameHostString(kept.get(), text)) debugLogLabel("text queried is not same!");
+}
+
+RBInteger StyledTextAddStyleRun(REALstring text, REALobject styledText, REALobject& run,
+                                RBInteger alignment) noexcept {
+  const RBInteger before = ParagraphCount(styledText);
+  StyleRunSetText(run, text);
+  constexpr const char* kAppendLabel = "StyledTextAppendStyleRun";
+  if (styledText == nullptr) {
+    debugLogText("styledText is nil in", kAppendLabel);
+  } else if (run == nullptr) {
+    debugLogText("styleRun is nil in", kAppendLabel);
+  } else if (const auto append =
+                 reinterpret_cast<AppendRun>(appendStyleRunMethod.load(styledText))) {
+    append(styledText, run);
+  } else {
+    debugLogText("nil function in", kAppendLabel);
+  }
+  dropRun(run);
+  const RBInteger after = ParagraphCount(styledText);
+  debugLogInt64("NewParagraphCount", after);
+  if (alignment >= 0 && after != before) {
+    debugLogInt64Pair("SetParagraphAlignment", before, alignment);
+    StyledTextSetParagraphAlignment(styledText, before, alignment);
+  }
+  return after;
+}
+
+std::optional<RBInteger> StyledTextAddBufferedRun(std::string& buffer, std::uint32_t encoding,
+                                                  REALobject styledText, REALobject& run,
+                                                  RBInteger alignment) noexcept {
+  if (buffer.empty()) {
+    debugLogLabel("Ignore empty run");
+    dropRun(run);
+    return std::nullopt;
+  }
+  const OwnedString text(
+      host::REALBuildStringWithEncoding(buffer.data(), static_cast<int>(buffer.size()), encoding));
+  debugLogString("NewText", text.get());
+  const RBInteger after = StyledTextAddStyleRun(text.get(), styledText, run, alignment);
+  buffer.clear();
+  return after;
+}
+
+std::optional<RBInteger> StyledTextAddUnitRun(char16_t unit, REALobject styledText, REALobject& run,
+                                              RBInteger alignment) noexcept {
+  if (unit == 0) {
+    debugLogLabel("Ignore null character");
+    dropRun(run);
+    return std::nullopt;
+  }
+  const OwnedString text(host::REALBuildStringWithEncoding(reinterpret_cast<const char*>(&unit),
+                                                           sizeof unit, encoding::kUTF16));
+  return StyledTextAddStyleRun(text.get(), styledText, run, alignment);
+}
+
+void StyledTextSetParagraphAlignment(REALobject styledText, RBInteger index,
+                                     RBInteger alignment) noexcept {
+  constexpr const char* kLabel = "StyledTextSetParagraphAlignment";
+  if (styledText == nullptr) {
+    debugLogText("styledText is nil in", kLabel);
+    return;
+  }
+  const auto align = reinterpret_cast<SetAlignment>(paragraphAlignmentMethod.load(styledText));
+  if (align == nullptr) {
+    debugLogText("nil function in", kLabel);
+    return;
+  }
+  align(styledText, index, alignment);
+}
+
+void StyledTextClear(REALobject styledText) noexcept {
+  if (styledText == nullptr) {
+    debugLogText("styledText is nil in", "StyledTextClear");
+    return;
+  }
+  for (RBInteger index = StyleRunCount(styledText) - 1; index >= 0; --index) {
+    debugLogInt64("StyledTextRemoveStyleRun", index);
+    const auto remove = reinterpret_cast<RemoveRun>(removeStyleRunMethod.load(styledText));
+    if (remove == nullptr) {
+      debugLogText("nil function in", "StyledTextRemoveStyleRun");
+      continue;
+    }
+    remove(styledText, index);
+  }
+}
+
+}  // namespace zel::styledtext

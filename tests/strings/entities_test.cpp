@@ -1,0 +1,148 @@
+// HTML and XML escaping, entity decoding and the readiness test through the built plug-in.
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "support/plugin_fixture.h"
+
+namespace {
+
+using zeltest::HostString;
+namespace enc = encoding;
+
+struct Text {
+  std::string bytes;
+  std::uint32_t encoding = enc::kUTF8;
+  bool nil = false;
+};
+const Text kNil{"", enc::kUTF8, true};
+
+Text utf16(std::u16string_view units) {
+  return {std::string(reinterpret_cast<const char*>(units.data()), units.size() * 2), enc::kUTF16};
+}
+
+REALstring make(const Text& text) {
+  return text.nil ? nullptr : zelhost::makeString(text.bytes, text.encoding);
+}
+
+constexpr const char* kToHtml = "EncodingToHTMLZEL(s as string, options as integer = 0) as string";
+constexpr const char* kToXml = "EncodingToXMLZEL(s as string, options as integer = 0) as string";
+constexpr const char* kFromHtml = "DecodingFromHTMLZEL(s as string) as string";
+constexpr const char* kFromXml = "DecodingFromXMLZEL(s as string) as string";
+constexpr const char* kHtmlReady = "StringIsHTMLreadyZEL(s as string) as boolean";
+constexpr const char* kXmlReady = "StringIsXMLreadyZEL(s as string) as boolean";
+
+REALstring callText(const char* declaration, REALstring s, RBInteger options) {
+  const bool encoder = declaration == kToHtml || declaration == kToXml;
+  return encoder ? zelhost::call<REALstring>(declaration, s, options)
+                 : zelhost::call<REALstring>(declaration, s);
+}
+
+class EntitiesTest : public zeltest::PluginFixture {};
+
+TEST_F(EntitiesTest, HtmlComesBackAsciiAndXmlAndDecodedTextAsUtf8) {
+  struct Case {
+    const char* declaration;
+    Text input;
+    std::optional<std::string> expected;  // nullopt: the nil string
+    RBInteger options = 0;
+  };
+  const Case cases[] = {
+      {kToHtml, {"Tom & Jerry's <b>"}, "Tom &amp; Jerry&#39;s &lt;b&gt;"},
+      {kToHtml, {"Tom & Jerry's <b>"}, "Tom & Jerry's <b>", 1},
+      {kToHtml, utf16(u"\u00E9\u4E2D"), "&eacute;&#20013;"},
+      {kToHtml, {"\u00E9"}, "&eacute;", 3},
+      {kToHtml, {"caf\xE9", enc::kNone}, "caf&eacute;"},
+      {kToHtml, {"a<\f"}, "a&lt;"},
+      {kToHtml, {"\x01\xC3\xA9"}, "&eacute;"},
+      {kToHtml, utf16(u"\uFEFF"), std::nullopt},
+      {kToHtml, {""}, std::nullopt},
+      {kToHtml, kNil, std::nullopt},
+      {kToXml, {"'"}, "&#39;"},
+      {kToXml, {"'"}, "&apos;", 1},
+      {kToXml, utf16(u"\u00E9<"), "\u00E9&lt;"},
+      {kToXml, {"\uFEFF\"\u00E9\""}, "&quot;\u00E9&quot;"},
+      {kToXml, {""}, std::nullopt},
+      {kToXml, kNil, std::nullopt},
+      {kFromHtml, {"&amp;lt;"}, "&lt;"},
+      {kFromHtml, {"&#x41;&#65;&#X41;&#0;"}, "AA&#X41;&#0;"},
+      {kFromHtml, utf16(u"&hearts;&sigma;"), "\u2665\u03C2"},
+      {kFromHtml, {"a&amp"}, "a&"},
+      {kFromHtml, {"&#128512;"}, "\U0001F600"},
+      {kFromHtml, utf16(u"\uFEFF"), std::nullopt},
+      {kFromHtml, {""}, std::nullopt},
+      {kFromHtml, kNil, std::nullopt},
+      {kFromXml, {"&eacute;&nosuch;"}, "\u00E9&nosuch;"},
+      {kFromXml, kNil, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.declaration << " " << testing::PrintToString(c.input.bytes)
+                                    << " options " << c.options);
+    const HostString argument(make(c.input));
+    const HostString result(callText(c.declaration, argument.get(), c.options));
+    EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
+    if (!c.expected) {
+      EXPECT_EQ(result.get(), nullptr);
+      continue;
+    }
+    ASSERT_NE(result.get(), nullptr);
+    EXPECT_NE(result.get(), argument.get());
+    EXPECT_EQ(result.bytes(), *c.expected);
+    EXPECT_EQ(result.encoding(), c.declaration == kToHtml ? enc::kASCII : enc::kUTF8);
+  }
+}
+
+TEST_F(EntitiesTest, EncodersHandBackTheCallersOwnStringWhenNothingNeedsEscaping) {
+  struct Case {
+    const char* declaration;
+    Text input;
+    RBInteger options = 0;
+  };
+  const Case cases[] = {
+      {kToHtml, {"plain text"}},  {kToHtml, {"abc\f"}},      {kToHtml, {std::string("ab\0<", 4)}},
+      {kToHtml, utf16(u"plain")}, {kToXml, {"caf\u00E9\f"}}, {kToXml, {"plain"}, 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message()
+                 << c.declaration << " " << testing::PrintToString(c.input.bytes));
+    const HostString argument(make(c.input));
+    const REALstring result = zelhost::call<REALstring>(c.declaration, argument.get(), c.options);
+    EXPECT_EQ(result, argument.get());
+    EXPECT_EQ(zelhost::referenceCount(argument), 2);
+    zelhost::release(result);
+  }
+}
+
+TEST_F(EntitiesTest, ReadinessLooksAtTheStoredBytesOfByteEncodingsOnly) {
+  struct Case {
+    Text input;
+    bool ready;
+  };
+  const Case cases[] = {
+      {kNil, true},
+      {{""}, true},
+      {{"a\tb"}, true},
+      {{"ab", enc::kMacRoman}, true},
+      {{"ab", enc::kWindowsLatin1}, true},
+      {{"ab", enc::kASCII}, true},
+      {{"caf\u00E9"}, false},
+      {{"a<b"}, false},
+      {{"it's"}, false},
+      {{std::string("a\0b", 3)}, false},
+      {{"ab", enc::kISOLatin1}, false},
+      {{"ab", enc::kNone}, false},
+      {utf16(u"ab"), false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message()
+                 << testing::PrintToString(c.input.bytes) << " in " << c.input.encoding);
+    const HostString argument(make(c.input));
+    for (const char* declaration : {kHtmlReady, kXmlReady}) {
+      EXPECT_EQ(zelhost::call<RBBoolean>(declaration, argument.get()) != 0, c.ready) << declaration;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,88 @@
+// Tag stripping and SQL boolean rewriting through the built plug-in.
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "support/plugin_fixture.h"
+
+namespace {
+
+using zeltest::HostString;
+namespace enc = encoding;
+
+struct Text {
+  std::string bytes;
+  std::uint32_t encoding = enc::kUTF8;
+  bool nil = false;
+};
+const Text kNil{"", enc::kUTF8, true};
+
+Text utf16(std::u16string_view units) {
+  return {std::string(reinterpret_cast<const char*>(units.data()), units.size() * 2), enc::kUTF16};
+}
+
+REALstring make(const Text& text) {
+  return text.nil ? nullptr : zelhost::makeString(text.bytes, text.encoding);
+}
+
+constexpr const char* kRemoveTags = "RemoveHTMLTagsZEL(AsciiTextWithTags as string) as string";
+constexpr const char* kRemoveTagsWith =
+    "RemoveHTMLTagsWithZEL(AsciiTextWithTags as string, Replacement as string) as string";
+constexpr const char* kSqlBooleans = "SQLReplaceBooleanZEL(SQL as string) as string";
+
+class TagStrippingTest : public zeltest::PluginFixture {};
+
+TEST_F(TagStrippingTest, EveryFunctionReadsUtf8AndAnswersUtf8) {
+  struct Case {
+    const char* declaration;
+    Text text;
+    std::optional<std::string> expected;  // nullopt: the nil string
+    Text replacement = kNil;
+  };
+  const Case cases[] = {
+      {kRemoveTags, {"<p>Hello <b>World</b></p>"}, "Hello World"},
+      {kRemoveTags, {"3 < 4, a > b"}, "3 < 4, a  b"},
+      {kRemoveTags, {R"(<a title="x>y">link</a> "q")"}, R"(link "q")"},
+      {kRemoveTags, utf16(u"<i>\u00E9</i>"), "\u00E9"},
+      {kRemoveTags, {"caf\xE9<br>", enc::kISOLatin1}, "caf\u00E9"},
+      {kRemoveTags, {std::string("ab\0<b>cd", 8)}, "ab"},
+      {kRemoveTags, {"<b>"}, std::nullopt},
+      {kRemoveTags, {""}, std::nullopt},
+      {kRemoveTags, kNil, std::nullopt},
+      {kRemoveTagsWith, {"a<b>c"}, "a c", {" "}},
+      {kRemoveTagsWith, {"a<br/>c"}, "a   c", {" "}},
+      {kRemoveTagsWith, {"a<b>c"}, "a\u00B7c", utf16(u"\u00B7")},
+      {kRemoveTagsWith, {"a<b>c"}, "axc", {std::string("x\0y", 3)}},
+      {kRemoveTagsWith, {"a<b>c"}, "ac", kNil},
+      {kRemoveTagsWith, kNil, std::nullopt, {" "}},
+      {kSqlBooleans,
+       {"SELECT * FROM t WHERE a = true AND b = False;"},
+       "SELECT * FROM t WHERE a = 1 AND b = 0;"},
+      {kSqlBooleans, utf16(u"a = TRUE AND c = '\u00E9 true' "), "a = 1 AND c = '\u00E9 true' "},
+      {kSqlBooleans, {"x=1 OR TRUE"}, "x=1 OR TRUE"},
+      {kSqlBooleans, {std::string("(TRUE) \0 FALSE ", 15)}, "(1) "},
+      {kSqlBooleans, {""}, std::nullopt},
+      {kSqlBooleans, kNil, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.declaration << " " << testing::PrintToString(c.text.bytes)
+                                    << ", " << testing::PrintToString(c.replacement.bytes));
+    const HostString text(make(c.text)), replacement(make(c.replacement));
+    const HostString result(
+        c.declaration == kRemoveTagsWith
+            ? zelhost::call<REALstring>(c.declaration, text.get(), replacement.get())
+            : zelhost::call<REALstring>(c.declaration, text.get()));
+    EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
+    if (!c.expected) {
+      EXPECT_EQ(result.get(), nullptr);
+      continue;
+    }
+    ASSERT_NE(result.get(), nullptr);
+    EXPECT_EQ(result.bytes(), *c.expected);
+    EXPECT_EQ(result.encoding(), enc::kUTF8);
+  }
+}
+
+}  // namespace
