@@ -189,7 +189,9 @@ void appendUnit(std::string& out, char32_t unit, std::size_t width, bool bigEndi
   }
 }
 
-void encodeUtf8(char32_t c, std::string& out) {
+}  // namespace
+
+void appendUtf8(std::string& out, char32_t c) {
   if (c < 0x80) {
     out.push_back(static_cast<char>(c));
   } else if (c < 0x800) {
@@ -206,8 +208,6 @@ void encodeUtf8(char32_t c, std::string& out) {
     out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
   }
 }
-
-}  // namespace
 
 bool isConvertible(std::uint32_t encoding) {
   return formOf(encoding) != Form::None;
@@ -250,7 +250,7 @@ std::string encodeText(std::u32string_view text, std::uint32_t encoding) {
   for (const char32_t c : text) {
     switch (form) {
       case Form::Utf8:
-        encodeUtf8(c, out);
+        appendUtf8(out, c);
         break;
       case Form::Utf16LE:
       case Form::Utf16BE:

@@ -23,6 +23,9 @@ std::string encodeText(std::u32string_view text, std::uint32_t encoding);
 std::optional<std::string> convertBytes(std::string_view bytes, std::uint32_t from,
                                         std::uint32_t to);
 
+// Appends the UTF-8 form of one code point.
+void appendUtf8(std::string& out, char32_t c);
+
 // True when every byte is well formed in `encoding`; never for no encoding unless pure ASCII.
 bool isValidIn(std::string_view bytes, std::uint32_t encoding);
 

@@ -1,12 +1,11 @@
 #include "host_strings.h"
 
 #include <cstring>
-#include <mutex>
 #include <new>
 #include <string>
-#include <unordered_set>
 
 #include "encodings.h"
+#include "live_registry.h"
 #include "service_table.h"
 #include "stand_in_host.h"
 
@@ -17,25 +16,15 @@ namespace {
 constexpr std::uint32_t kStringMagic = 0x53545247;
 constexpr std::size_t kSlack = 4;
 
-std::mutex registryMutex;
-std::unordered_set<const StringHeader*>& registry() {
-  static std::unordered_set<const StringHeader*> live;
-  return live;
-}
-
-StringHeader* header(REALstring s) {
-  return reinterpret_cast<StringHeader*>(s);
+LiveRegistry<StringHeader, REALstring>& liveStrings() {
+  static LiveRegistry<StringHeader, REALstring> registry("string");
+  return registry;
 }
 
 void destroy(StringHeader* string) {
   if (string->detached) delete[] string->bytes;
   string->~StringHeader();
   ::operator delete(static_cast<void*>(string));
-}
-
-std::string describe(const char* context, REALstring s) {
-  return std::string(context) + ": not a live string " +
-         std::to_string(reinterpret_cast<std::uintptr_t>(s));
 }
 
 }  // namespace
@@ -49,46 +38,24 @@ REALstring createString(std::string_view bytes, std::uint32_t encoding, bool det
   if (!bytes.empty()) std::memcpy(storage, bytes.data(), bytes.size());
   auto* string =
       new (block) StringHeader{kStringMagic, encoding, 1, detached, bytes.size(), storage};
-  const std::lock_guard lock(registryMutex);
-  registry().insert(string);
+  liveStrings().add(string);
   return reinterpret_cast<REALstring>(string);
 }
 
 StringHeader* liveString(REALstring s, const char* context) {
-  {
-    const std::lock_guard lock(registryMutex);
-    if (registry().contains(header(s))) return header(s);
-  }
-  reportProtocolError(describe(context, s));
-  return nullptr;
+  return liveStrings().find(s, context);
 }
 
 void retainString(REALstring s, const char* context) {
-  const std::lock_guard lock(registryMutex);
-  if (registry().contains(header(s))) {
-    ++header(s)->references;
-    return;
-  }
-  reportProtocolError(describe(context, s));
+  liveStrings().retain(s, context);
 }
 
 void releaseString(REALstring s, const char* context) {
-  StringHeader* string = header(s);
-  {
-    const std::lock_guard lock(registryMutex);
-    if (!registry().contains(string)) {
-      reportProtocolError(describe(context, s));
-      return;
-    }
-    if (--string->references > 0) return;
-    registry().erase(string);
-  }
-  destroy(string);
+  if (liveStrings().release(s, context)) destroy(reinterpret_cast<StringHeader*>(s));
 }
 
 int liveStringCount() {
-  const std::lock_guard lock(registryMutex);
-  return static_cast<int>(registry().size());
+  return liveStrings().size();
 }
 
 }  // namespace detail
@@ -135,9 +102,7 @@ void release(REALstring s) {
 }
 
 int referenceCount(REALstring s) {
-  if (s == nullptr) return 0;
-  const std::lock_guard lock(detail::registryMutex);
-  return detail::registry().contains(detail::header(s)) ? detail::header(s)->references : 0;
+  return s == nullptr ? 0 : detail::liveStrings().references(s);
 }
 
 }  // namespace zelhost

@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "encodings.h"
+
 namespace zelhost::json {
 namespace {
 
@@ -110,24 +112,6 @@ class Parser {
     return value;
   }
 
-  static void appendUtf8(std::string& out, char32_t c) {
-    if (c < 0x80) {
-      out.push_back(static_cast<char>(c));
-    } else if (c < 0x800) {
-      out.push_back(static_cast<char>(0xC0 | c >> 6));
-      out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else if (c < 0x10000) {
-      out.push_back(static_cast<char>(0xE0 | c >> 12));
-      out.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else {
-      out.push_back(static_cast<char>(0xF0 | c >> 18));
-      out.push_back(static_cast<char>(0x80 | (c >> 12 & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
-      out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    }
-  }
-
   std::string parseString() {
     if (position_ >= text_.size() || text_[position_] != '"') fail("expected a string");
     ++position_;
@@ -166,7 +150,7 @@ class Parser {
           } else if (unit >= 0xD800 && unit <= 0xDFFF) {
             unit = 0xFFFD;
           }
-          appendUtf8(out, unit);
+          detail::appendUtf8(out, unit);
           break;
         }
         default:

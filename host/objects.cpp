@@ -2,12 +2,11 @@
 
 #include <strings.h>
 
-#include <mutex>
 #include <stdexcept>
-#include <unordered_set>
 
 #include "encodings.h"
 #include "host_strings.h"
+#include "live_registry.h"
 #include "service_table.h"
 
 namespace zelhost {
@@ -31,19 +30,9 @@ const std::vector<ClassInfo>& classes() {
   return all;
 }
 
-std::mutex registryMutex;
-std::unordered_set<const HostObject*>& registry() {
-  static std::unordered_set<const HostObject*> live;
-  return live;
-}
-
-HostObject* header(REALobject o) {
-  return reinterpret_cast<HostObject*>(o);
-}
-
-std::string describe(const char* context, REALobject o) {
-  return std::string(context) + ": not a live object " +
-         std::to_string(reinterpret_cast<std::uintptr_t>(o));
+LiveRegistry<HostObject, REALobject>& liveObjects() {
+  static LiveRegistry<HostObject, REALobject> registry("object");
+  return registry;
 }
 
 void destroy(HostObject* object) {
@@ -111,46 +100,24 @@ REALobject createObject(const ClassInfo& classInfo) {
   auto* object = new HostObject{kObjectMagic, 1, &classInfo,
                                 std::vector<PropertyValue>(classInfo.properties.size()),
                                 classInfo.makeData ? classInfo.makeData() : nullptr};
-  const std::lock_guard lock(registryMutex);
-  registry().insert(object);
+  liveObjects().add(object);
   return reinterpret_cast<REALobject>(object);
 }
 
 HostObject* liveObject(REALobject o, const char* context) {
-  {
-    const std::lock_guard lock(registryMutex);
-    if (registry().contains(header(o))) return header(o);
-  }
-  reportProtocolError(describe(context, o));
-  return nullptr;
+  return liveObjects().find(o, context);
 }
 
 void retainObject(REALobject o, const char* context) {
-  const std::lock_guard lock(registryMutex);
-  if (registry().contains(header(o))) {
-    ++header(o)->references;
-    return;
-  }
-  reportProtocolError(describe(context, o));
+  liveObjects().retain(o, context);
 }
 
 void releaseObject(REALobject o, const char* context) {
-  HostObject* object = header(o);
-  {
-    const std::lock_guard lock(registryMutex);
-    if (!registry().contains(object)) {
-      reportProtocolError(describe(context, o));
-      return;
-    }
-    if (--object->references > 0) return;
-    registry().erase(object);
-  }
-  destroy(object);
+  if (liveObjects().release(o, context)) destroy(reinterpret_cast<HostObject*>(o));
 }
 
 int liveObjectCount() {
-  const std::lock_guard lock(registryMutex);
-  return static_cast<int>(registry().size());
+  return liveObjects().size();
 }
 
 bool readProperty(REALobject o, std::string_view name, PropertyType type, PropertyValue& value) {
@@ -221,9 +188,7 @@ void release(REALarray a) {
 }
 
 int referenceCount(REALobject o) {
-  if (o == nullptr) return 0;
-  const std::lock_guard lock(detail::registryMutex);
-  return detail::registry().contains(detail::header(o)) ? detail::header(o)->references : 0;
+  return o == nullptr ? 0 : detail::liveObjects().references(o);
 }
 
 std::string className(REALobject o) {

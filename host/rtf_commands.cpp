@@ -37,24 +37,6 @@ std::u16string utf16Units(std::string_view bytes, std::uint32_t encoding) {
   return units;
 }
 
-void appendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out.push_back(static_cast<char>(c));
-  } else if (c < 0x800) {
-    out.push_back(static_cast<char>(0xC0 | c >> 6));
-    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-  } else if (c < 0x10000) {
-    out.push_back(static_cast<char>(0xE0 | c >> 12));
-    out.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-  } else {
-    out.push_back(static_cast<char>(0xF0 | c >> 18));
-    out.push_back(static_cast<char>(0x80 | (c >> 12 & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
-    out.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-  }
-}
-
 // A JSON string of UTF-16 text. A surrogate half without its partner (the RTF reader gives each
 // half of a character outside the BMP a run of its own) is kept as a \u escape.
 std::string quoteUnits(std::u16string_view units) {
@@ -69,14 +51,14 @@ std::string quoteUnits(std::u16string_view units) {
     const char16_t unit = units[i];
     const bool high = unit >= 0xD800 && unit <= 0xDBFF;
     if (high && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF) {
-      appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00));
+      detail::appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00));
     } else if (unit >= 0xD800 && unit <= 0xDFFF) {
       flush();
       std::array<char, 8> escape{};
       std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(unit));
       quoted += escape.data();
     } else {
-      appendUtf8(text, unit);
+      detail::appendUtf8(text, unit);
     }
   }
   flush();

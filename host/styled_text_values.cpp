@@ -38,8 +38,16 @@ Function method(REALobject o, const char* declaration) {
   return reinterpret_cast<Function>(found);
 }
 
-RBInteger count(REALobject styledText, const char* name) {
-  return get(styledText, name, PropertyType::Integer).number;
+// Calls `visit` on each item of one of the text's indexed lists, holding the item meanwhile.
+template <class Visit>
+void forEachItem(REALobject styledText, const char* countName, const char* itemDeclaration,
+                 Visit visit) {
+  const auto itemAt = method<REALobject (*)(REALobject, RBInteger)>(styledText, itemDeclaration);
+  for (RBInteger i = 0, n = get(styledText, countName, PropertyType::Integer).number; i < n; ++i) {
+    REALobject item = itemAt(styledText, i);
+    visit(item);
+    release(item);
+  }
 }
 
 // Reads the Font whether or not the host currently answers to that name.
@@ -79,44 +87,38 @@ REALobject makeStyledText(const std::vector<StyledRun>& runs,
 }
 
 std::vector<StyledRun> styledRuns(REALobject styledText) {
-  const auto runAt = method<REALobject (*)(REALobject, RBInteger)>(
-      styledText, "StyleRun(Index as Integer) As StyleRun");
   std::vector<StyledRun> runs;
-  for (RBInteger i = 0, n = count(styledText, "StyleRunCount"); i < n; ++i) {
-    REALobject run = runAt(styledText, i);
-    StyledRun values;
-    const PropertyValue text = get(run, "Text", PropertyType::String);
-    values.text = stringBytes(text.string);
-    values.textEncoding = text.string ? stringEncoding(text.string) : encoding::kUTF8;
-    const PropertyValue font = fontValue(run);
-    if (font.string != nullptr) {
-      values.font = stringBytes(font.string);
-      values.fontEncoding = stringEncoding(font.string);
-    }
-    release(text.string);
-    release(font.string);
-    values.size = get(run, "Size", PropertyType::Integer).number;
-    values.bold = get(run, "Bold", PropertyType::Boolean).number != 0;
-    values.italic = get(run, "Italic", PropertyType::Boolean).number != 0;
-    values.underline = get(run, "Underline", PropertyType::Boolean).number != 0;
-    values.color = static_cast<RBColor>(get(run, "TextColor", PropertyType::Color).number);
-    release(run);
-    runs.push_back(std::move(values));
-  }
+  forEachItem(
+      styledText, "StyleRunCount", "StyleRun(Index as Integer) As StyleRun", [&](REALobject run) {
+        StyledRun values;
+        const PropertyValue text = get(run, "Text", PropertyType::String);
+        values.text = stringBytes(text.string);
+        values.textEncoding = text.string ? stringEncoding(text.string) : encoding::kUTF8;
+        const PropertyValue font = fontValue(run);
+        if (font.string != nullptr) {
+          values.font = stringBytes(font.string);
+          values.fontEncoding = stringEncoding(font.string);
+        }
+        release(text.string);
+        release(font.string);
+        values.size = get(run, "Size", PropertyType::Integer).number;
+        values.bold = get(run, "Bold", PropertyType::Boolean).number != 0;
+        values.italic = get(run, "Italic", PropertyType::Boolean).number != 0;
+        values.underline = get(run, "Underline", PropertyType::Boolean).number != 0;
+        values.color = static_cast<RBColor>(get(run, "TextColor", PropertyType::Color).number);
+        runs.push_back(std::move(values));
+      });
   return runs;
 }
 
 std::vector<StyledParagraph> styledParagraphs(REALobject styledText) {
-  const auto paragraphAt = method<REALobject (*)(REALobject, RBInteger)>(
-      styledText, "Paragraph(Index as Integer) As Paragraph");
   std::vector<StyledParagraph> paragraphs;
-  for (RBInteger i = 0, n = count(styledText, "ParagraphCount"); i < n; ++i) {
-    REALobject paragraph = paragraphAt(styledText, i);
-    paragraphs.push_back({get(paragraph, "StartPos", PropertyType::Integer).number,
-                          get(paragraph, "EndPos", PropertyType::Integer).number,
-                          get(paragraph, "Alignment", PropertyType::Integer).number});
-    release(paragraph);
-  }
+  forEachItem(styledText, "ParagraphCount", "Paragraph(Index as Integer) As Paragraph",
+              [&](REALobject paragraph) {
+                paragraphs.push_back({get(paragraph, "StartPos", PropertyType::Integer).number,
+                                      get(paragraph, "EndPos", PropertyType::Integer).number,
+                                      get(paragraph, "Alignment", PropertyType::Integer).number});
+              });
   return paragraphs;
 }
 

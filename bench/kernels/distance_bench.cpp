@@ -1,9 +1,11 @@
-// String distances on 100- and 10,000-unit texts that share most of their words.
+// String distances on 100- and 10,000-unit texts that share most of their words: time, and the
+// heap the distance needs at its peak.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <string>
 
+#include "allocation_meter.h"
 #include "bench_inputs.h"
 #include "strings/string_distance.h"
 
@@ -21,6 +23,9 @@ void BM_Distance(benchmark::State& state) {
   for (std::size_t i = 7; i + 1 < b.size(); i += 13) std::swap(b[i], b[i + 1]);
   b.insert(b.size() / 2, u"inserted ");
   for (auto _ : state) benchmark::DoNotOptimize(Distance(a, b));
+  zel::bench::resetPeakHeap();
+  benchmark::DoNotOptimize(Distance(a, b));
+  state.counters["peak_heap_bytes"] = static_cast<double>(zel::bench::peakHeapGrowth());
   state.SetBytesProcessed(
       static_cast<std::int64_t>(state.iterations() * (a.size() + b.size()) * 2));
 }

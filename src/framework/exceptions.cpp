@@ -8,6 +8,7 @@
 #include "bridge/string_builders.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
+#include "framework/out_of_memory_error.h"
 
 namespace zel {
 namespace {
@@ -52,6 +53,10 @@ void RaiseOutOfBounds(const char* message) noexcept {
 }
 
 void TranslateException(const std::exception& failure) noexcept {
+  if (const auto* exact = dynamic_cast<const OutOfMemoryError*>(&failure)) {
+    RaiseHostException("OutOfMemoryException", exact->what());
+    return;
+  }
   const Translation translation = translationFor(failure);
   try {
     const char* description = failure.what();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <type_traits>
 
 namespace zel {
@@ -24,6 +25,19 @@ auto guarded(Body&& body) noexcept -> decltype(body()) {
     RaiseUnnamedException();
   }
   if constexpr (!std::is_void_v<Result>) return Result{};
+}
+
+// For functions whose failed allocations end the call with the empty result (nil, 0, false) and
+// no host exception; every other failure is translated as usual.
+template <class Body>
+auto quietOnOutOfMemory(Body&& body) noexcept -> decltype(body()) {
+  return guarded([&]() -> decltype(body()) {
+    try {
+      return body();
+    } catch (const std::bad_alloc&) {
+      return {};
+    }
+  });
 }
 
 }  // namespace zel

@@ -9,6 +9,7 @@
 
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
+#include "framework/out_of_memory_error.h"
 #include "strings/byte_ops.h"
 
 namespace zel::adapters {
@@ -32,6 +33,17 @@ RBInteger positionInRangesOrSet(REALstring target, REALstring find,
                                                           {ranges.begin(), ranges.size()});
       },
       target, find);
+}
+
+// The XOR masks start reading the mask at `offset`.
+REALstring xorFromOffset(std::string (*kernel)(std::string_view, std::string_view, std::int64_t),
+                         REALstring data, REALstring mask, RBInteger offset) noexcept {
+  return bytesToString(
+      encoding::kNone,
+      [&](std::string_view bytes, std::string_view maskBytes) {
+        return kernel(bytes, maskBytes, offset);
+      },
+      data, mask);
 }
 
 constexpr std::uint32_t encodingOf(strings::UnicodeForm form) {
@@ -63,21 +75,11 @@ REALstring StringORZEL(REALstring a, REALstring b) noexcept {
 }
 
 REALstring StringXORZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept {
-  return bytesToString(
-      encoding::kNone,
-      [&](std::string_view bytes, std::string_view mask) {
-        return strings::maskXor(bytes, mask, maskOffset);
-      },
-      data, xorMask);
+  return xorFromOffset(&strings::maskXor, data, xorMask, maskOffset);
 }
 
 REALstring StringXOR2ZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept {
-  return bytesToString(
-      encoding::kNone,
-      [&](std::string_view bytes, std::string_view mask) {
-        return strings::maskXorWithPosition(bytes, mask, maskOffset);
-      },
-      data, xorMask);
+  return xorFromOffset(&strings::maskXorWithPosition, data, xorMask, maskOffset);
 }
 
 REALstring ConcatBinaryStringsZEL6(REALstring a, REALstring b, REALstring c, REALstring d,
@@ -152,9 +154,7 @@ REALstring CreateStringZEL(RBInteger length, REALstring content) noexcept {
     try {
       filled = strings::repeatToLength(length, unit.view());
     } catch (const std::bad_alloc&) {
-      // This function words its failure itself instead of the generic translation.
-      RaiseHostException("OutOfMemoryException", "Failed to allocate memory.");
-      return nullptr;
+      throw OutOfMemoryError("Failed to allocate memory.");
     }
     return buildString(filled,
                        content == nullptr ? encoding::kNone : host::REALGetStringEncoding(content));

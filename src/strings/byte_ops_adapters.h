@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <new>
 
 #include "bridge/adapter_support.h"
 #include "bridge/host_string_bytes.h"
@@ -12,19 +11,6 @@
 #include "sdk/host_types.h"
 
 namespace zel::adapters {
-
-// For functions whose failed allocations end the call with the empty result (nil, 0, false)
-// and no host exception; every other failure is translated as usual.
-template <class Body>
-auto quietOnOutOfMemory(Body&& body) noexcept -> decltype(body()) {
-  return guarded([&]() -> decltype(body()) {
-    try {
-      return body();
-    } catch (const std::bad_alloc&) {
-      return {};
-    }
-  });
-}
 
 // Runs a kernel over the bytes of the string arguments, borrowed for the call (nil reads as no
 // bytes), and hands back its number or Boolean.

@@ -7,7 +7,7 @@
 #include <numeric>
 #include <vector>
 
-#include "strings/out_of_memory_error.h"
+#include "framework/out_of_memory_error.h"
 
 namespace zel::strings {
 namespace {

@@ -1,7 +1,6 @@
 #include "strings/unicode_text_adapters.h"
 
 #include <cstdint>
-#include <new>
 #include <string>
 #include <string_view>
 
@@ -13,47 +12,21 @@
 #include "strings/code_pages.h"
 #include "strings/decomposition_table.h"
 #include "strings/number_format.h"
-#include "strings/out_of_memory_error.h"
 #include "strings/string_distance.h"
 #include "strings/unicode_composition.h"
 
 namespace zel::adapters {
 namespace {
 
-// The code pages answer a failed allocation with nil alone, no exception.
-template <class Body>
-REALstring nilOnOutOfMemory(Body&& body) noexcept {
-  return guarded([&]() -> REALstring {
-    try {
-      return body();
-    } catch (const std::bad_alloc&) {
-      return nullptr;
-    }
-  });
-}
-
-// Kernels that state their own allocation message keep it instead of the generic translation.
-template <class Body>
-auto guardedWithOwnMessages(Body&& body) noexcept -> decltype(body()) {
-  return guarded([&]() -> decltype(body()) {
-    try {
-      return body();
-    } catch (const strings::OutOfMemoryError& failure) {
-      RaiseHostException("OutOfMemoryException", failure.what());
-      return {};
-    }
-  });
-}
-
 REALstring decodeBytes(REALstring s, strings::CodePage page) noexcept {
-  return nilOnOutOfMemory([&] {
+  return quietOnOutOfMemory([&] {
     const HostStringBytes bytes(s);
     return buildString(strings::decodeCodePage(bytes.bytes(), page));
   });
 }
 
 REALstring encodeText(REALstring s, strings::CodePage page) noexcept {
-  return nilOnOutOfMemory([&] {
+  return quietOnOutOfMemory([&] {
     HostText text(s);
     return buildString(strings::encodeCodePage(text.utf16(), page), encoding::kNone);
   });
@@ -61,7 +34,7 @@ REALstring encodeText(REALstring s, strings::CodePage page) noexcept {
 
 template <auto Distance>
 double distanceBetween(REALstring a, REALstring b) noexcept {
-  return guardedWithOwnMessages([&] {
+  return guarded([&] {
     HostText first(a), second(b);
     return Distance(first.utf16(), second.utf16());
   });
@@ -81,7 +54,7 @@ using UnicodeConversion = std::u16string (*)(std::u16string_view, strings::Unico
 REALstring convertUnicode(REALstring text, const char* name, UnicodeConversion convert,
                           bool reportsTableSize) noexcept {
   if (text == nullptr) return nullptr;
-  return guardedWithOwnMessages([&] {
+  return guarded([&] {
     const bool tracing = debugEnabled();
     if (tracing) debugLogLabel(name);
     if (tracing && reportsTableSize) {

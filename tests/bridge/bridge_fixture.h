@@ -13,6 +13,8 @@
 #include "framework/debug_log.h"
 #include "framework/plugin_state.h"
 #include "stand_in_host.h"
+#include "support/call_helpers.h"
+#include "support/plugin_fixture.h"
 
 namespace zel::testing {
 
@@ -51,36 +53,10 @@ class BridgeTest : public ::testing::Test {
   static bool logged(std::string_view needle) { return logCount(needle) > 0; }
 };
 
-// Native-order (little-endian here) bytes of code units.
-template <class Unit>
-std::string unitBytes(std::basic_string_view<Unit> units) {
-  std::string bytes;
-  for (const Unit unit : units) {
-    for (std::size_t b = 0; b < sizeof(Unit); ++b) {
-      bytes.push_back(static_cast<char>((static_cast<std::uint32_t>(unit) >> (8 * b)) & 0xFF));
-    }
-  }
-  return bytes;
-}
-inline std::string utf16Bytes(std::u16string_view units) {
-  return unitBytes(units);
-}
-inline std::string utf32Bytes(std::u32string_view codePoints) {
-  return unitBytes(codePoints);
-}
+using zeltest::utf16Bytes;
+using zeltest::utf32Bytes;
 
 // A host string owned by the test for its own scope.
-class TestString {
- public:
-  TestString(std::string_view bytes, std::uint32_t encoding)
-      : string_(zelhost::makeString(bytes, encoding)) {}
-  ~TestString() { zelhost::release(string_); }
-  TestString(const TestString&) = delete;
-  TestString& operator=(const TestString&) = delete;
-  operator REALstring() const { return string_; }  // NOLINT: stands in for the handle
-
- private:
-  REALstring string_;
-};
+using TestString = zeltest::HostString;
 
 }  // namespace zel::testing

@@ -34,6 +34,14 @@ std::vector<std::string> findings(const std::function<void()>& check) {
   return lines;
 }
 
+// One way to break a record, and what the checks then write.
+template <class Record>
+struct Breakage {
+  const char* name;
+  std::function<void(Record&)> breakIt;
+  std::vector<std::string> expected;
+};
+
 class DefinitionChecks : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -76,11 +84,7 @@ TEST_F(DefinitionChecks, SoundRecordsGiveNoFindings) {
 TEST_F(DefinitionChecks, ClassExtensionFindings) {
   std::vector<REALmethodDefinition> many(10001, methods[0]);
   REALevent event{"Changed()", 0, 0, nullptr};
-  const struct {
-    const char* name;
-    std::function<void(REALclassDefinition&)> breakIt;
-    std::vector<std::string> expected;
-  } cases[] = {
+  const Breakage<REALclassDefinition> cases[] = {
       {"version",
        [](auto& c) { c.version = 14; },
        {"Error: The class extension StyledText has the wrong kCurrentREALControlVersion: 14 vs. "
@@ -138,11 +142,7 @@ TEST_F(DefinitionChecks, ClassExtensionFindings) {
 
 TEST_F(DefinitionChecks, MethodRowFindings) {
   REALattribute broken[2]{{nullptr, "v"}, {"Name", nullptr}};
-  const struct {
-    const char* name;
-    std::function<void(REALmethodDefinition&)> breakIt;
-    std::vector<std::string> expected;
-  } cases[] = {
+  const Breakage<REALmethodDefinition> cases[] = {
       {"nil declaration",
        [](auto& m) { m.declaration = nullptr; },
        {"Error: The method StringGlobalsZEL.0 has nil declaration."}},
@@ -194,11 +194,7 @@ TEST_F(DefinitionChecks, TooManyAttributesIsWrongEvenWithAnArray) {
 TEST_F(DefinitionChecks, PropertyFindings) {
   const char* spaced[2]{"One", " Two"};
   const char* withNil[2]{"One", nullptr};
-  const struct {
-    const char* name;
-    std::function<void(REALproperty&)> breakIt;
-    std::vector<std::string> expected;
-  } cases[] = {
+  const Breakage<REALproperty> cases[] = {
       {"nil name",
        [](auto& p) { p.name = nullptr; },
        {"Error: The property StringGlobalsZEL.0 has nil name."}},
@@ -251,11 +247,7 @@ TEST_F(DefinitionChecks, PropertyFindings) {
 }
 
 TEST_F(DefinitionChecks, ModuleFindings) {
-  const struct {
-    const char* name;
-    std::function<void(REALmoduleDefinition&)> breakIt;
-    std::vector<std::string> expected;
-  } cases[] = {
+  const Breakage<REALmoduleDefinition> cases[] = {
       {"version",
        [](auto& m) { m.version = 7; },
        {"Error: The module StringGlobalsZEL has the wrong kCurrentREALControlVersion: 7 vs. 15"}},

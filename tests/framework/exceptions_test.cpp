@@ -6,6 +6,7 @@
 #include <string>
 
 #include "framework/exceptions.h"
+#include "framework/out_of_memory_error.h"
 #include "framework/plugin_state.h"
 #include "stand_in_host.h"
 
@@ -56,6 +57,15 @@ TEST_F(ExceptionTranslation, MapsEachStandardFailure) {
     EXPECT_EQ(raised.message, c.message);
     EXPECT_EQ(raised.errorNumber, 0);
   }
+}
+
+TEST_F(ExceptionTranslation, QuietGuardSwallowsOnlyAllocationFailures) {
+  EXPECT_EQ(zel::quietOnOutOfMemory([]() -> RBInteger { throw std::bad_alloc(); }), 0);
+  EXPECT_FALSE(zelhost::takeRaisedException());
+  zel::quietOnOutOfMemory([]() -> RBInteger { throw std::out_of_range("x"); });
+  const auto raised = zelhost::takeRaisedException();
+  ASSERT_TRUE(raised);
+  EXPECT_EQ(raised->className, "OutOfBoundsException");
 }
 
 TEST_F(ExceptionTranslation, GuardReturnsTheEmptyResult) {

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <limits>
 #include <optional>
@@ -11,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
@@ -50,15 +50,7 @@ class ByteOpsTest : public zeltest::PluginFixture {
   static void check(const std::vector<StringCase>& cases) {
     for (std::size_t i = 0; i < cases.size(); ++i) {
       SCOPED_TRACE("case " + std::to_string(i));
-      const HostString result(cases[i].call());
-      EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-      if (!cases[i].bytes) {
-        EXPECT_EQ(result.get(), nullptr);
-        continue;
-      }
-      ASSERT_NE(result.get(), nullptr);
-      EXPECT_EQ(result.bytes(), *cases[i].bytes);
-      EXPECT_EQ(result.encoding(), cases[i].encoding);
+      zeltest::expectString(cases[i].call(), cases[i].bytes, cases[i].encoding);
     }
   }
 
@@ -274,17 +266,7 @@ TEST_F(ByteOpsTest, ClearStringContentWipesOnlyInlineBytes) {
   EXPECT_EQ(call<RBBoolean>("ClearStringContentZEL", nil), 0);
 }
 
-class ByteOpsDebugTest : public ByteOpsTest {
- protected:
-  void SetUp() override {
-    setenv("ZELDEBUG", "1", 1);
-    ByteOpsTest::SetUp();
-  }
-  void TearDown() override {
-    unsetenv("ZELDEBUG");
-    ByteOpsTest::TearDown();
-  }
-};
+class ByteOpsDebugTest : public zeltest::DebugSwitchOn<ByteOpsTest> {};
 
 TEST_F(ByteOpsDebugTest, ClearStringContentLogsWhereTheBytesLie) {
   zelhost::captureLog(true);

@@ -5,18 +5,16 @@
 #include <string_view>
 #include <vector>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
 
 using zeltest::HostString;
+using zeltest::utf16Bytes;
 namespace enc = encoding;
 
 constexpr std::uint32_t kNil = 0;
-
-std::string utf16Bytes(std::u16string_view units) {
-  return {reinterpret_cast<const char*>(units.data()), units.size() * 2};
-}
 
 struct Case {
   const char* declaration;
@@ -36,16 +34,10 @@ class CodePagesTest : public zeltest::PluginFixture {
   void check(const std::vector<Case>& cases) {
     for (const Case& c : cases) {
       SCOPED_TRACE(std::string(c.declaration) + " of " + testing::PrintToString(c.input));
-      const HostString argument(c.input ? zelhost::makeString(*c.input, c.inputEncoding) : nullptr);
-      const HostString result(zelhost::call<REALstring>(c.declaration, argument.get()));
-      EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-      if (c.expected.empty()) {
-        EXPECT_EQ(result.get(), nullptr);
-        continue;
-      }
-      ASSERT_NE(result.get(), nullptr);
-      EXPECT_EQ(result.bytes(), c.expected);
-      EXPECT_EQ(result.encoding(), c.expectedEncoding);
+      const HostString argument(zeltest::makeArgument(c.input, c.inputEncoding));
+      zeltest::expectString(zelhost::call<REALstring>(c.declaration, argument.get()),
+                            c.expected.empty() ? std::nullopt : std::optional(c.expected),
+                            c.expectedEncoding);
     }
   }
 };

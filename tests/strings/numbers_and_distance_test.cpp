@@ -3,17 +3,16 @@
 #include <string>
 #include <string_view>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
 
 using zeltest::HostString;
+using zeltest::makeArgument;
+using zeltest::utf16Bytes;
 
 class NumbersAndDistanceTest : public zeltest::PluginFixture {};
-
-std::string utf16Bytes(std::u16string_view units) {
-  return {reinterpret_cast<const char*>(units.data()), units.size() * 2};
-}
 
 TEST_F(NumbersAndDistanceTest, NumbersComeBackAsAsciiText) {
   constexpr const char* kStr = "StrZEL(d as double) as string";
@@ -60,8 +59,7 @@ TEST_F(NumbersAndDistanceTest, DistancesCompareUtf16UnitsAndReadNilAsEmpty) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.a) + " / " + testing::PrintToString(c.b));
-    const HostString a(c.a ? zelhost::makeString(*c.a, c.encodingA) : nullptr);
-    const HostString b(c.b ? zelhost::makeString(*c.b, c.encodingB) : nullptr);
+    const HostString a(makeArgument(c.a, c.encodingA)), b(makeArgument(c.b, c.encodingB));
     EXPECT_NEAR(zelhost::call<double>("LevenshteinDistanceZEL(a as string, b as string) as double",
                                       a.get(), b.get()),
                 c.levenshtein, 1e-12);

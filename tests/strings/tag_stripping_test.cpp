@@ -5,34 +5,20 @@
 #include <string>
 #include <string_view>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
 
-using zeltest::HostString;
+using namespace zeltest;
 namespace enc = encoding;
-
-struct Text {
-  std::string bytes;
-  std::uint32_t encoding = enc::kUTF8;
-  bool nil = false;
-};
-const Text kNil{"", enc::kUTF8, true};
-
-Text utf16(std::u16string_view units) {
-  return {std::string(reinterpret_cast<const char*>(units.data()), units.size() * 2), enc::kUTF16};
-}
-
-REALstring make(const Text& text) {
-  return text.nil ? nullptr : zelhost::makeString(text.bytes, text.encoding);
-}
 
 constexpr const char* kRemoveTags = "RemoveHTMLTagsZEL(AsciiTextWithTags as string) as string";
 constexpr const char* kRemoveTagsWith =
     "RemoveHTMLTagsWithZEL(AsciiTextWithTags as string, Replacement as string) as string";
 constexpr const char* kSqlBooleans = "SQLReplaceBooleanZEL(SQL as string) as string";
 
-class TagStrippingTest : public zeltest::PluginFixture {};
+class TagStrippingTest : public PluginFixture {};
 
 TEST_F(TagStrippingTest, EveryFunctionReadsUtf8AndAnswersUtf8) {
   struct Case {
@@ -69,19 +55,11 @@ TEST_F(TagStrippingTest, EveryFunctionReadsUtf8AndAnswersUtf8) {
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << c.declaration << " " << testing::PrintToString(c.text.bytes)
                                     << ", " << testing::PrintToString(c.replacement.bytes));
-    const HostString text(make(c.text)), replacement(make(c.replacement));
-    const HostString result(
-        c.declaration == kRemoveTagsWith
-            ? zelhost::call<REALstring>(c.declaration, text.get(), replacement.get())
-            : zelhost::call<REALstring>(c.declaration, text.get()));
-    EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-    if (!c.expected) {
-      EXPECT_EQ(result.get(), nullptr);
-      continue;
-    }
-    ASSERT_NE(result.get(), nullptr);
-    EXPECT_EQ(result.bytes(), *c.expected);
-    EXPECT_EQ(result.encoding(), enc::kUTF8);
+    const HostString text(makeArgument(c.text)), replacement(makeArgument(c.replacement));
+    expectString(c.declaration == kRemoveTagsWith
+                     ? zelhost::call<REALstring>(c.declaration, text.get(), replacement.get())
+                     : zelhost::call<REALstring>(c.declaration, text.get()),
+                 c.expected, enc::kUTF8);
   }
 }
 

@@ -2,34 +2,18 @@
 // plug-in.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
 
-using zeltest::HostObject;
-using zeltest::HostString;
+using namespace zeltest;
 namespace enc = encoding;
-
-struct Text {
-  std::string bytes;
-  std::uint32_t encoding = enc::kUTF8;
-  bool nil = false;
-};
-const Text kNil{"", enc::kUTF8, true};
-
-Text utf16(std::u16string_view units) {
-  return {std::string(reinterpret_cast<const char*>(units.data()), units.size() * 2), enc::kUTF16};
-}
-
-REALstring make(const Text& text) {
-  return text.nil ? nullptr : zelhost::makeString(text.bytes, text.encoding);
-}
 
 constexpr const char* kHasPrefix = "HasPrefixZEL(Text as String, Prefix as String) as boolean";
 constexpr const char* kHasPostfix = "HasPostfixZEL(Text as String, Prefix as String) as boolean";
@@ -52,7 +36,7 @@ constexpr const char* kRepairBlock =
 constexpr const char* kRepairString =
     "CheckUTF8ZEL(data as string, Placeholder as string) as string";
 
-class TextSearchTest : public zeltest::PluginFixture {};
+class TextSearchTest : public PluginFixture {};
 
 TEST_F(TextSearchTest, PrefixSuffixAndWholeWordReadBothArgumentsAsUtf8) {
   struct Case {
@@ -83,7 +67,7 @@ TEST_F(TextSearchTest, PrefixSuffixAndWholeWordReadBothArgumentsAsUtf8) {
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << c.declaration << " " << testing::PrintToString(c.text.bytes)
                                     << ", " << testing::PrintToString(c.other.bytes));
-    const HostString text(make(c.text)), other(make(c.other));
+    const HostString text(makeArgument(c.text)), other(makeArgument(c.other));
     EXPECT_EQ(zelhost::call<RBBoolean>(c.declaration, text.get(), other.get()) != 0, c.expected);
   }
 }
@@ -117,7 +101,7 @@ TEST_F(TextSearchTest, CountAndCompareReadStoredBytesOfOneEncoding) {
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << c.declaration << " " << testing::PrintToString(c.a.bytes)
                                     << ", " << testing::PrintToString(c.b.bytes));
-    const HostString a(make(c.a)), b(make(c.b));
+    const HostString a(makeArgument(c.a)), b(makeArgument(c.b));
     EXPECT_EQ(zelhost::call<RBInteger>(c.declaration, a.get(), b.get()), c.expected);
   }
 }
@@ -144,17 +128,9 @@ TEST_F(TextSearchTest, LineEndingsKeepTheTextsEncodingUnlessItIsWideUnicode) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.text.bytes));
-    const HostString text(make(c.text)), newLine(make(c.newLine));
-    const HostString result(
-        zelhost::call<REALstring>(kLineEndings, text.get(), newLine.get(), RBBoolean{0}));
-    EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-    if (!c.expected) {
-      EXPECT_EQ(result.get(), nullptr);
-      continue;
-    }
-    ASSERT_NE(result.get(), nullptr);
-    EXPECT_EQ(result.bytes(), *c.expected);
-    EXPECT_EQ(result.encoding(), c.expectedEncoding);
+    const HostString text(makeArgument(c.text)), newLine(makeArgument(c.newLine));
+    expectString(zelhost::call<REALstring>(kLineEndings, text.get(), newLine.get(), RBBoolean{0}),
+                 c.expected, c.expectedEncoding);
   }
 }
 
@@ -282,17 +258,10 @@ TEST_F(TextSearchTest, RepairedUtf8ComesAlikeFromEveryForm) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.data));
-    const HostString placeholder(make(c.placeholder));
-    for (REALstring string :
+    const HostString placeholder(makeArgument(c.placeholder));
+    for (REALstring result :
          repairedOfEveryForm(c.data, static_cast<RBInteger>(c.data.size()), placeholder)) {
-      const HostString result(string);
-      if (!c.expected) {
-        EXPECT_EQ(string, nullptr);
-        continue;
-      }
-      ASSERT_NE(string, nullptr);
-      EXPECT_EQ(result.bytes(), *c.expected);
-      EXPECT_EQ(result.encoding(), enc::kUTF8);
+      expectString(result, c.expected, enc::kUTF8);
     }
   }
   const HostString question("?", enc::kUTF8);
@@ -303,17 +272,11 @@ TEST_F(TextSearchTest, RepairedUtf8ComesAlikeFromEveryForm) {
   EXPECT_EQ(zelhost::call<REALstring>(kRepairBlock, REALobject{nullptr}, question.get()), nullptr);
 }
 
-// Started by the environment, as ZELDEBUG does for a user.
-class TextSearchDebugTest : public zeltest::PluginFixture {
+class TextSearchDebugTest : public DebugSwitchOn<> {
  protected:
   void SetUp() override {
-    setenv("ZELDEBUG", "1", 1);
-    PluginFixture::SetUp();
+    DebugSwitchOn::SetUp();
     zelhost::captureLog(true);
-  }
-  void TearDown() override {
-    unsetenv("ZELDEBUG");
-    PluginFixture::TearDown();
   }
 };
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
@@ -32,17 +33,10 @@ void check(const std::vector<Case>& cases) {
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.function) + " of " + testing::PrintToString(c.input) +
                  (c.option ? " with " + std::to_string(*c.option) : ""));
-    const HostString input(c.input ? zelhost::makeString(*c.input, c.inputEncoding) : nullptr);
-    const HostString result(c.option ? zelhost::call<REALstring>(c.function, input.get(), *c.option)
-                                     : zelhost::call<REALstring>(c.function, input.get()));
-    EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-    if (!c.expected) {
-      EXPECT_EQ(result.get(), nullptr);
-      continue;
-    }
-    ASSERT_NE(result.get(), nullptr);
-    EXPECT_EQ(result.bytes(), *c.expected);
-    EXPECT_EQ(result.encoding(), c.expectedEncoding);
+    const HostString input(zeltest::makeArgument(c.input, c.inputEncoding));
+    zeltest::expectString(c.option ? zelhost::call<REALstring>(c.function, input.get(), *c.option)
+                                   : zelhost::call<REALstring>(c.function, input.get()),
+                          c.expected, c.expectedEncoding);
   }
 }
 
@@ -137,11 +131,11 @@ TEST_F(TransferEncodingsTest, PlainSubjectIsTheCallersOwnString) {
   const std::pair<const char*, std::uint32_t> plain[] = {
       {"Hello World", kUtf8}, {"Hello", kLatin1}, {"", kUtf8}};
   for (const auto& [text, encoding] : plain) {
+    SCOPED_TRACE(text);
     const HostString subject(text, encoding);
-    const HostString result(zelhost::call<REALstring>("EncodeEmailSubjectZEL", subject.get()));
-    EXPECT_EQ(result.get(), subject.get()) << text;
-    EXPECT_EQ(zelhost::referenceCount(subject), 2) << text;
-    EXPECT_EQ(result.encoding(), encoding) << text;
+    zeltest::expectOwnString(zelhost::call<REALstring>("EncodeEmailSubjectZEL", subject.get()),
+                             subject);
+    EXPECT_EQ(subject.encoding(), encoding);
   }
 }
 

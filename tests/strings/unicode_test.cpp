@@ -1,17 +1,18 @@
 // Composition, decomposition and accent removal through the built plug-in.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
 
 using zeltest::HostString;
+using zeltest::utf16Bytes;
 
 constexpr const char* kCompose =
     "ConvertUnicodeToCharacterCompositionZEL(text as string) as string";
@@ -19,10 +20,6 @@ constexpr const char* kDecompose =
     "ConvertUnicodeToCharacterDecompositionZEL(text as string) as string";
 constexpr const char* kRemoveAccents =
     "RemoveAccentsZEL(text as string, IgnoreCase as boolean = false) as string";
-
-std::string utf16Bytes(std::u16string_view units) {
-  return {reinterpret_cast<const char*>(units.data()), units.size() * 2};
-}
 
 struct Case {
   std::optional<std::string> input;  // nullopt: the nil string
@@ -36,19 +33,12 @@ const std::uint32_t kUtf8 = encoding::kUTF8, kUtf16 = encoding::kUTF16;
 void check(const char* declaration, const std::vector<Case>& cases) {
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.input));
-    const HostString argument(c.input ? zelhost::makeString(*c.input, c.inputEncoding) : nullptr);
-    const HostString result(
+    const HostString argument(zeltest::makeArgument(c.input, c.inputEncoding));
+    zeltest::expectString(
         std::string_view(declaration) == kRemoveAccents
             ? zelhost::call<REALstring>(declaration, argument.get(), RBBoolean{c.ignoreCase})
-            : zelhost::call<REALstring>(declaration, argument.get()));
-    EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-    if (!c.expected) {
-      EXPECT_EQ(result.get(), nullptr);
-      continue;
-    }
-    ASSERT_NE(result.get(), nullptr);
-    EXPECT_EQ(result.bytes(), *c.expected);
-    EXPECT_EQ(result.encoding(), kUtf8);
+            : zelhost::call<REALstring>(declaration, argument.get()),
+        c.expected, kUtf8);
   }
 }
 
@@ -104,17 +94,8 @@ TEST_F(UnicodeTest, RemoveAccentsReducesToBaseLetters) {
                         });
 }
 
-// Started by the environment, as ZELDEBUG does for a user.
-class UnicodeDebugTest : public zeltest::PluginFixture {
+class UnicodeDebugTest : public zeltest::DebugSwitchOn<> {
  protected:
-  void SetUp() override {
-    setenv("ZELDEBUG", "1", 1);
-    PluginFixture::SetUp();
-  }
-  void TearDown() override {
-    unsetenv("ZELDEBUG");
-    PluginFixture::TearDown();
-  }
   std::vector<std::string> logOf(const char* declaration, std::u16string_view text) {
     zelhost::captureLog(true);
     const HostString argument(utf16Bytes(text), kUtf16);

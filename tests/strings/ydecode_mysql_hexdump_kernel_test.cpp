@@ -7,17 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "strings/kernel_test_support.h"
+
 namespace zel::strings {
 namespace {
 
 using namespace std::string_literals;
-
-// A heap copy of exactly these bytes, so that the sanitizer build sees any read past them.
-struct ExactBytes {
-  explicit ExactBytes(std::string_view bytes) : copy(bytes.begin(), bytes.end()) {}
-  operator std::string_view() const { return {copy.data(), copy.size()}; }
-  std::vector<char> copy;
-};
 
 struct Case {
   std::string input, expected;

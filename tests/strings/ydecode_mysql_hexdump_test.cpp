@@ -7,34 +7,21 @@
 #include <string>
 #include <vector>
 
+#include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
 namespace {
 
 using namespace std::string_literals;
+using zeltest::expectString;
 using zeltest::HostObject;
 using zeltest::HostString;
+using zeltest::makeArgument;
 
 constexpr std::uint32_t kNone = encoding::kNone, kAscii = encoding::kASCII, kUtf8 = encoding::kUTF8;
 
 // nullopt stands for the nil string, in arguments and results alike.
 using Bytes = std::optional<std::string>;
-
-REALstring makeArgument(const Bytes& bytes, std::uint32_t encoding = kUtf8) {
-  return bytes ? zelhost::makeString(*bytes, encoding) : nullptr;
-}
-
-void expectString(REALstring result, const Bytes& expected, std::uint32_t encoding) {
-  const HostString owned(result);
-  EXPECT_EQ(zelhost::takeRaisedException(), std::nullopt);
-  if (!expected) {
-    EXPECT_EQ(result, nullptr);
-    return;
-  }
-  ASSERT_NE(result, nullptr);
-  EXPECT_EQ(owned.bytes(), *expected);
-  EXPECT_EQ(owned.encoding(), encoding);
-}
 
 class YDecodeMySqlHexDumpTest : public zeltest::PluginFixture {};
 

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <ostream>
 #include <string>
 
@@ -33,6 +34,20 @@ class PluginFixture : public ::testing::Test {
 
  private:
   zelhost::LiveCounts baseline_;
+};
+
+// Loads the plug-in with ZELDEBUG set, as a user turns its debug log on.
+template <class Fixture = PluginFixture>
+class DebugSwitchOn : public Fixture {
+ protected:
+  void SetUp() override {
+    setenv("ZELDEBUG", "1", 1);
+    Fixture::SetUp();
+  }
+  void TearDown() override {
+    unsetenv("ZELDEBUG");
+    Fixture::TearDown();
+  }
 };
 
 // Holds one reference on a host string made by the test and releases it at scope end.

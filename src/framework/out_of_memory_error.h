@@ -1,5 +1,6 @@
-// Allocation failures whose host message is fixed text rather than the generic translation of
-// std::bad_alloc: adapters raise OutOfMemoryException with what() verbatim.
+// An allocation failure whose host message is fixed text: the guard raises OutOfMemoryException
+// with what() as it stands instead of the generic translation of std::bad_alloc. Header-only, so
+// kernels can throw it without depending on the host.
 #pragma once
 
 #include <array>
@@ -9,7 +10,7 @@
 #include <new>
 #include <string_view>
 
-namespace zel::strings {
+namespace zel {
 
 class OutOfMemoryError : public std::bad_alloc {
  public:
@@ -31,4 +32,4 @@ class OutOfMemoryError : public std::bad_alloc {
   std::array<char, 64> message_{};
 };
 
-}  // namespace zel::strings
+}  // namespace zel
