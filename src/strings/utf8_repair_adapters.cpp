@@ -36,6 +36,23 @@ REALstring repairedText(std::span<const std::uint8_t> data, REALstring placehold
   return buildString(strings::repairUtf8(data, filler.utf8()), encoding::kUTF8);
 }
 
+// The MemoryBlock and String forms read their argument's bytes the same way.
+template <class Source>
+REALarray readableStringArrayOf(Source source, RBInteger minLength) noexcept {
+  return guarded([&] {
+    const HostStringBytes bytes(source);
+    return readableStringArray(bytes.bytes(), minLength);
+  });
+}
+
+template <class Source>
+REALstring repairedTextOf(Source source, REALstring placeholder) noexcept {
+  return guarded([&] {
+    const HostStringBytes bytes(source);
+    return repairedText(bytes.bytes(), placeholder);
+  });
+}
+
 }  // namespace
 
 REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLength) noexcept {
@@ -43,17 +60,11 @@ REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLen
 }
 
 REALarray GetStringsFromDataZEL_MemoryBlock(REALobject data, RBInteger minLength) noexcept {
-  return guarded([&] {
-    const HostStringBytes bytes(data);
-    return readableStringArray(bytes.bytes(), minLength);
-  });
+  return readableStringArrayOf(data, minLength);
 }
 
 REALarray GetStringsFromDataZEL_String(REALstring data, RBInteger minLength) noexcept {
-  return guarded([&] {
-    const HostStringBytes bytes(data);
-    return readableStringArray(bytes.bytes(), minLength);
-  });
+  return readableStringArrayOf(data, minLength);
 }
 
 REALstring CheckUTF8ZEL_Ptr(void* data, RBInteger size, REALstring placeholder) noexcept {
@@ -61,17 +72,11 @@ REALstring CheckUTF8ZEL_Ptr(void* data, RBInteger size, REALstring placeholder) 
 }
 
 REALstring CheckUTF8ZEL_MemoryBlock(REALobject mem, REALstring placeholder) noexcept {
-  return guarded([&] {
-    const HostStringBytes bytes(mem);
-    return repairedText(bytes.bytes(), placeholder);
-  });
+  return repairedTextOf(mem, placeholder);
 }
 
 REALstring CheckUTF8ZEL_String(REALstring data, REALstring placeholder) noexcept {
-  return guarded([&] {
-    const HostStringBytes bytes(data);
-    return repairedText(bytes.bytes(), placeholder);
-  });
+  return repairedTextOf(data, placeholder);
 }
 
 }  // namespace zel::adapters

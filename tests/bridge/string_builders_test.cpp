@@ -18,9 +18,9 @@ constexpr double kNewHost = 2025.03;
 constexpr double kHostWithoutUtf32 = 2012.5;
 constexpr double kOldHost = 2011.04;
 
-std::string repeated(std::u32string_view unit, std::size_t times) {
+std::string repeated(std::string_view bytes, std::size_t times) {
   std::string out;
-  for (std::size_t i = 0; i < times; ++i) out += utf32Bytes(unit);
+  for (std::size_t i = 0; i < times; ++i) out += bytes;
   return out;
 }
 
@@ -58,21 +58,11 @@ const BuildCase kBuildCases[] = {
      encoding::kUTF32, "A", encoding::kUTF8},
     {"6 bytes of UTF-32 on a new host", kNewHost, utf32Bytes(U"A") + "bc", encoding::kUTF32, "A",
      encoding::kUTF8},
-    {"199 astral code points fit the local buffer", kHostWithoutUtf32, repeated(U"\U0001F600", 199),
-     encoding::kUTF32,
-     [] {
-       std::string out;
-       for (int i = 0; i < 199; ++i) out += "\xF0\x9F\x98\x80";
-       return out;
-     }(),
+    {"199 astral code points fit the local buffer", kHostWithoutUtf32,
+     repeated(utf32Bytes(U"\U0001F600"), 199), encoding::kUTF32, repeated("\xF0\x9F\x98\x80", 199),
      encoding::kUTF8},
-    {"300 astral code points use a block", kHostWithoutUtf32, repeated(U"\U0001F600", 300),
-     encoding::kUTF32,
-     [] {
-       std::string out;
-       for (int i = 0; i < 300; ++i) out += "\xF0\x9F\x98\x80";
-       return out;
-     }(),
+    {"300 astral code points use a block", kHostWithoutUtf32,
+     repeated(utf32Bytes(U"\U0001F600"), 300), encoding::kUTF32, repeated("\xF0\x9F\x98\x80", 300),
      encoding::kUTF8},
 };
 

@@ -6,16 +6,6 @@
 
 namespace {
 
-TEST(SdkLevel, FollowsTheHostVersionCutOvers) {
-  const struct {
-    double version;
-    int level;
-  } cases[] = {{0.0, 9},       {2011.5, 9},   {2012.0, 10},   {2012.99, 10}, {2013.0, 11},
-               {2013.029, 11}, {2013.03, 12}, {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
-  for (const auto& c : cases)
-    EXPECT_EQ(zel::sdkLevelForHostVersion(c.version), c.level) << c.version;
-}
-
 TEST(DebugSwitch, AcceptsOneTrueOrYesInAnyCase) {
   for (const char* on : {"1", "true", "TRUE", "True", "yes", "Yes", "YES"})
     EXPECT_TRUE(zel::debugSwitchedOnBy(on)) << on;

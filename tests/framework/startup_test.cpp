@@ -36,8 +36,8 @@ TEST(Startup, AnnouncesTheSdkLevelOfTheHostVersion) {
   const struct {
     double version;
     int level;
-  } cases[] = {{2011.5, 9},    {2012.99, 10}, {2013.0, 11},
-               {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
+  } cases[] = {{0.0, 9},       {2011.5, 9},   {2012.0, 10},   {2012.99, 10}, {2013.0, 11},
+               {2013.029, 11}, {2013.03, 12}, {2013.039, 12}, {2013.04, 13}, {2025.03, 13}};
   for (const auto& c : cases) {
     zelhost::configure({.version = c.version});
     EXPECT_THAT(zelhost::loadPlugin(ZEL_PLUGIN_PATH).pluginVersions, ElementsAre(c.level))

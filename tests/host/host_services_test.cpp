@@ -22,9 +22,10 @@ TEST_F(HostFixture, StringsKeepTheirBytes42BytesBehindTheHandle) {
   auto len = reinterpret_cast<service::LenB>(service<service::REALLoadGlobalMethod>(
       "REALLoadGlobalMethod")(nullptr, "len(S As String) As Integer"));
   ASSERT_TRUE(lenB && len);
-  HostString accented("\xC3\xA9t\xC3\xA9", encoding::kUTF8);
-  EXPECT_EQ(lenB(accented), 5);
-  EXPECT_EQ(len(accented), 3);
+  HostString accented("\xC3\xA9t\xC3\xA9\xF0\x9F\x98\x80", encoding::kUTF8);
+  EXPECT_EQ(lenB(accented), 9);
+  EXPECT_EQ(len(accented), 4);
+  EXPECT_EQ(len(nullptr), 0);
 }
 
 TEST_F(HostFixture, ReferenceCountsAndProtocolErrors) {

@@ -101,15 +101,5 @@ TEST_F(HostFixture, FontCanBeMissingWhileFontNameWorks) {
   EXPECT_EQ(font.bytes(), "Arial");
 }
 
-TEST_F(HostFixture, LenCountsCodePoints) {
-  auto loadGlobal = service<void* (*)(const char*, const char*)>("REALLoadGlobalMethod");
-  auto len = reinterpret_cast<RBInteger (*)(REALstring)>(
-      loadGlobal(nullptr, "Len(s as string) as integer"));
-  ASSERT_NE(len, nullptr);
-  HostString mixed("a\xC3\xA9\xF0\x9F\x98\x80", encoding::kUTF8);
-  EXPECT_EQ(len(mixed), 3);
-  EXPECT_EQ(len(nullptr), 0);
-}
-
 }  // namespace
 }  // namespace zeltest

@@ -22,7 +22,6 @@ TEST_F(NumbersAndDistanceTest, NumbersComeBackAsAsciiText) {
     std::string text;
   } cases[] = {
       {zelhost::call<REALstring>(kStr, 0.5), "0.50"},
-      {zelhost::call<REALstring>(kStr, 1.0 / 3), "0.3"},
       {zelhost::call<REALstring>(kStr, -12345678912345.5), "-12345678912345"},
       {zelhost::call<REALstring>(kScientific, 1234.5, RBInteger{2}), "1.23e+03"},
       {zelhost::call<REALstring>(kScientific, 1234.5, RBInteger{-1}), "1e+03"},
@@ -48,7 +47,6 @@ TEST_F(NumbersAndDistanceTest, DistancesCompareUtf16UnitsAndReadNilAsEmpty) {
     double levenshtein, jaroWinkler;
   } cases[] = {
       {"kitten", "sitting", kUtf8, kUtf8, 3.0 / 6, 1 - (4.0 / 7 + 4.0 / 6 + 1) / 3},
-      {"MARTHA", "MARHTA", kUtf8, kUtf8, 1.0 / 6, 1 - (17.0 / 18 + 0.3 * (1.0 / 18))},
       {"Z\u00FCrich", utf16Bytes(u"Z\u00FCrich"), kUtf8, kUtf16, 0.0, 0.0},
       {"Z\u00FCrich", "Zurich", kUtf8, kUtf8, 1.0 / 6, 1 - (8.0 / 9 + 0.1 * (1.0 / 9))},
       // Two units each, the high surrogates equal.

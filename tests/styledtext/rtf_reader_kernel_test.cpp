@@ -125,17 +125,10 @@ class RecordingSink : public StyledTextSink {
 };
 
 struct ReadCase {
-  ReadCase(const char* caseName, std::string input, std::vector<std::string> expectedRuns,
-           std::vector<std::int64_t> expectedAlignments = {})
-      : name(caseName),
-        rtf(std::move(input)),
-        runs(std::move(expectedRuns)),
-        alignments(std::move(expectedAlignments)) {}
-
   const char* name;
   std::string rtf;
   std::vector<std::string> runs;
-  std::vector<std::int64_t> alignments;  // not checked when empty
+  std::vector<std::int64_t> alignments = {};  // not checked when empty
 
   friend void PrintTo(const ReadCase& c, std::ostream* os) { *os << c.name; }
 };
