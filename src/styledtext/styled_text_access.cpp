@@ -28,12 +28,13 @@ class ObjectMethodSlot {
   }
 
  private:
+  // A reader that sees a value stored after a writer's odd mark also sees that mark when it
+  // reads the version again, so a torn pair never passes the second check.
   void* lookUp(REALobject object) const noexcept {
     const std::uint64_t before = version_.load(std::memory_order_acquire);
     if (before % 2 != 0) return nullptr;
-    REALobject cachedObject = object_.load(std::memory_order_relaxed);
-    void* cachedMethod = method_.load(std::memory_order_relaxed);
-    std::atomic_thread_fence(std::memory_order_acquire);
+    REALobject cachedObject = object_.load(std::memory_order_acquire);
+    void* cachedMethod = method_.load(std::memory_order_acquire);
     if (version_.load(std::memory_order_relaxed) != before || cachedObject != object) {
       return nullptr;
     }
@@ -43,12 +44,11 @@ class ObjectMethodSlot {
   void remember(REALobject object, void* method) noexcept {
     std::uint64_t current = version_.load(std::memory_order_relaxed);
     if (current % 2 != 0 ||
-        !version_.compare_exchange_strong(current, current + 1, std::memory_order_acquire)) {
+        !version_.compare_exchange_strong(current, current + 1, std::memory_order_relaxed)) {
       return;
     }
-    std::atomic_thread_fence(std::memory_order_release);
-    object_.store(object, std::memory_order_relaxed);
-    method_.store(method, std::memory_order_relaxed);
+    object_.store(object, std::memory_order_release);
+    method_.store(method, std::memory_order_release);
     version_.store(current + 2, std::memory_order_release);
   }
 

@@ -154,7 +154,7 @@ TEST_F(TextSearchTest, LineEndingsYieldToTheHostOnlyWhenAsked) {
 }
 
 TEST_F(TextSearchTest, LineEndingsReportAFailedReservationWithItsOwnMessage) {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   GTEST_SKIP() << "the sanitizer's allocator aborts on a request of a terabyte";
 #else
   // 16 MiB of text and a 4 MiB line ending ask for about 1.4 TB up front.
