@@ -1,6 +1,5 @@
 // The composition root: every registered function, in registration order.
-#include <algorithm>
-#include <span>
+#include <iterator>
 
 #include "framework/definitions.h"
 #include "strings/accent_map.h"
@@ -23,11 +22,9 @@ constexpr REALmethodDefinition row(const char* declaration) {
       reinterpret_cast<REALproc>(Function), nullptr, declaration, flags::kConsoleSafe, 0, nullptr};
 }
 
-constexpr std::size_t kGlobalMethodCount = 72;
-
 // Flag adjustment rewrites the flags in place at start-up, so the table is not const. Rows are
 // listed in registration order, each with its number as a trailing comment.
-REALmethodDefinition gGlobalMethods[kGlobalMethodCount] = {
+REALmethodDefinition gGlobalMethods[] = {
     row<&adapters::ReplaceLineEndingsZEL>("ReplaceLineEndingsZEL(Text as String, NewLine as "
                                           "String, yield as boolean = false) as String"),       // 1
     row<&adapters::HasPrefixZEL>("HasPrefixZEL(Text as String, Prefix as String) as boolean"),  // 2
@@ -107,10 +104,10 @@ REALmethodDefinition gGlobalMethods[kGlobalMethodCount] = {
     row<&adapters::DecodingFromCP1252ZEL>("DecodingFromCP1252ZEL(s as string) as string"),    // 49
     row<&adapters::EncodingToHexZEL>("EncodingToHexZEL(s as string) as string"),              // 50
     row<&adapters::DecodingFromHexZEL>("DecodingFromHexZEL(s as string) as string"),          // 51
-    row<&adapters::
-            ReplaceNonPrintableCharactersZEL>("ReplaceNonPrintableCharactersZEL(s as string, "
-                                              "replacevalue as integer=46) as string"),  // 52
-    row<&adapters::IsASCIIStringZEL>("IsASCIIStringZEL(s as string) as boolean"),        // 53
+    row<&adapters::ReplaceNonPrintableCharactersZEL>(
+        "ReplaceNonPrintableCharactersZEL(s as string, "
+        "replacevalue as integer=46) as string"),                                  // 52
+    row<&adapters::IsASCIIStringZEL>("IsASCIIStringZEL(s as string) as boolean"),  // 53
     row<&adapters::IsASCIIStringZEL_Mode>(
         "IsASCIIStringZEL(s as string, mode as integer) as boolean"),  // 54
     row<&adapters::RemoveHTMLTagsZEL>(
@@ -158,16 +155,7 @@ REALmethodDefinition gGlobalMethods[kGlobalMethodCount] = {
         "RemoveAccentsZEL(text as string, IgnoreCase as boolean = false) as string"),  // 72
 };
 
-std::span<REALmethodDefinition> listedRows() noexcept {
-  const auto end =
-      std::find_if(std::begin(gGlobalMethods), std::end(gGlobalMethods),
-                   [](const REALmethodDefinition& r) { return r.declaration == nullptr; });
-  return {std::begin(gGlobalMethods), end};
-}
-
-}  // namespace
-
-namespace {
+static_assert(std::size(gGlobalMethods) == 72);
 
 // Flag adjustment rewrites these flags in place at start-up too.
 REALmethodDefinition gStyledTextMethods[] = {
@@ -190,7 +178,7 @@ REALclassDefinition gStyledTextExtension = [] {
 }  // namespace
 
 PluginDefinitions pluginDefinitions() noexcept {
-  return {&gStyledTextExtension, listedRows(), &strings::buildAccentMap};
+  return {&gStyledTextExtension, gGlobalMethods, &strings::buildAccentMap};
 }
 
 }  // namespace zel

@@ -6,11 +6,6 @@
 
 namespace zel {
 
-void OwnedString::reset(REALstring s) noexcept {
-  if (string_ != nullptr) host::REALUnlockString(string_);
-  string_ = s;
-}
-
 REALstring buildString(std::string_view bytes, std::uint32_t encoding) noexcept {
   return REALBuildUnicodeString(bytes.data(), static_cast<RBInteger>(bytes.size()), encoding);
 }

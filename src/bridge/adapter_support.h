@@ -8,33 +8,44 @@
 #include <string_view>
 #include <utility>
 
+#include "bridge/host_string_bytes.h"
+#include "framework/exceptions.h"
+#include "framework/host_api.h"
 #include "sdk/host_types.h"
 
 namespace zel {
 
-// One reference to a host string; released at scope exit unless handed to the host.
-class OwnedString {
+// One reference to a host value; released at scope exit unless handed to the host.
+template <class Handle, void (*Release)(Handle) noexcept>
+class OwnedReference {
  public:
-  OwnedString() noexcept = default;
-  explicit OwnedString(REALstring s) noexcept : string_(s) {}
-  ~OwnedString() { reset(); }
-  OwnedString(OwnedString&& other) noexcept : string_(std::exchange(other.string_, nullptr)) {}
-  OwnedString& operator=(OwnedString&& other) noexcept {
-    if (this != &other) reset(std::exchange(other.string_, nullptr));
+  OwnedReference() noexcept = default;
+  explicit OwnedReference(Handle handle) noexcept : handle_(handle) {}
+  ~OwnedReference() { reset(); }
+  OwnedReference(OwnedReference&& other) noexcept
+      : handle_(std::exchange(other.handle_, nullptr)) {}
+  OwnedReference& operator=(OwnedReference&& other) noexcept {
+    if (this != &other) reset(std::exchange(other.handle_, nullptr));
     return *this;
   }
-  OwnedString(const OwnedString&) = delete;
-  OwnedString& operator=(const OwnedString&) = delete;
+  OwnedReference(const OwnedReference&) = delete;
+  OwnedReference& operator=(const OwnedReference&) = delete;
 
-  REALstring get() const noexcept { return string_; }
-  explicit operator bool() const noexcept { return string_ != nullptr; }
+  Handle get() const noexcept { return handle_; }
+  explicit operator bool() const noexcept { return handle_ != nullptr; }
   // The reference passes to the caller, typically as a registered function's result.
-  [[nodiscard]] REALstring handOver() noexcept { return std::exchange(string_, nullptr); }
-  void reset(REALstring s = nullptr) noexcept;
+  [[nodiscard]] Handle handOver() noexcept { return std::exchange(handle_, nullptr); }
+  void reset(Handle handle = nullptr) noexcept {
+    if (handle_ != nullptr) Release(handle_);
+    handle_ = handle;
+  }
 
  private:
-  REALstring string_ = nullptr;
+  Handle handle_ = nullptr;
 };
+
+using OwnedString = OwnedReference<REALstring, &host::REALUnlockString>;
+using OwnedObject = OwnedReference<REALobject, &host::REALUnlockObject>;
 
 // Results follow the builders' rules: empty text gives nil; single-byte text that is all ASCII is
 // tagged ASCII; UTF-16 and UTF-32 come back as UTF-8.
@@ -50,5 +61,21 @@ REALarray buildStringArray(std::span<const std::string> items, std::uint32_t enc
 
 // A MemoryBlock result; nil for no bytes, OutOfMemoryException when the block cannot be made.
 REALobject buildMemoryBlock(std::span<const std::uint8_t> bytes) noexcept;
+
+// Runs a kernel over the bytes of the string arguments, borrowed for the call (nil reads as no
+// bytes), and hands back its number or Boolean.
+template <class Kernel, class... Strings>
+auto readBytes(Kernel&& kernel, Strings... strings) noexcept {
+  return quietOnOutOfMemory([&] { return kernel(HostStringBytes(strings).view()...); });
+}
+
+// The same for a kernel that makes bytes: they become a new host string in `resultEncoding`
+// (no bytes give nil).
+template <class Kernel, class... Strings>
+REALstring bytesToString(std::uint32_t resultEncoding, Kernel&& kernel,
+                         Strings... strings) noexcept {
+  return quietOnOutOfMemory(
+      [&] { return buildString(kernel(HostStringBytes(strings).view()...), resultEncoding); });
+}
 
 }  // namespace zel

@@ -19,11 +19,6 @@ constexpr std::array<std::size_t, 4> kUnitWidth = {1, 1, 2, 4};
 
 std::atomic<bool> rebuildFailureLogged{false};
 
-bool isWideUnicode(std::uint32_t value) noexcept {
-  return value == encoding::kUTF16 ||
-         (value >= encoding::kUTF32 && value <= encoding::kUTF32LE && (value & 0x3FFFFFF) == 0x100);
-}
-
 std::uint32_t unitAt(const std::uint8_t* at, std::size_t width) noexcept {
   if (width == 1) return *at;
   if (width == 2) {

@@ -19,6 +19,12 @@ namespace zel {
 // Logs "label handle: text" with the string's text as UTF-8 when the debug log is on.
 void debugLogString(const char* label, REALstring s) noexcept;
 
+// UTF-16 and UTF-32 in any byte order: text whose 8-bit views always need the host's conversion.
+constexpr bool isWideUnicode(std::uint32_t value) noexcept {
+  return value == encoding::kUTF16 ||
+         (value >= encoding::kUTF32 && value <= encoding::kUTF32LE && (value & 0x3FFFFFF) == 0x100);
+}
+
 class HostText {
  public:
   explicit HostText(REALstring source) noexcept;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "bridge/adapter_support.h"
 #include "framework/debug_log.h"
 #include "framework/exceptions.h"
 #include "framework/host_api.h"
@@ -36,20 +37,14 @@ struct Construction {
 
 void constructBlock(void* context) noexcept {
   auto& construction = *static_cast<Construction*>(context);
-  REALobject instance = host::PluginNewInstance("MemoryBlock");
-  if (instance == nullptr) return;
+  OwnedObject instance(host::PluginNewInstance("MemoryBlock"));
+  if (!instance) return;
   const auto constructor =
-      loadMethod<Constructor>(cachedConstructor, instance, "Constructor(bytes as Integer)");
-  if (constructor == nullptr) {
-    host::REALUnlockObject(instance);
-    return;
-  }
-  constructor(instance, construction.size);
-  if (memoryBlockSize(instance) < construction.size) {
-    host::REALUnlockObject(instance);
-    return;
-  }
-  construction.block = instance;
+      loadMethod<Constructor>(cachedConstructor, instance.get(), "Constructor(bytes as Integer)");
+  if (constructor == nullptr) return;
+  constructor(instance.get(), construction.size);
+  if (memoryBlockSize(instance.get()) < construction.size) return;
+  construction.block = instance.handOver();
 }
 
 void raiseBlockFailure(RBInteger length) noexcept {
@@ -85,16 +80,16 @@ REALobject newMemoryBlock(RBInteger size) noexcept {
 REALobject REALBuildMemoryblock(const void* bytes, RBInteger length) noexcept {
   if (bytes == nullptr || length <= 0) return nullptr;
   try {
-    REALobject block = newMemoryBlock(length);
-    void* data = memoryBlockData(block);
+    OwnedObject block(newMemoryBlock(length));
+    void* data = memoryBlockData(block.get());
     if (data == nullptr) {
-      if (block != nullptr) host::REALUnlockObject(block);
+      block.reset();
       if (debugEnabled()) debugLogInt64("Error: Failed to allocate memoryblock", length);
       raiseBlockFailure(length);
       return nullptr;
     }
     std::memcpy(data, bytes, static_cast<std::size_t>(length));
-    return block;
+    return block.handOver();
   } catch (const std::exception& failure) {
     if (debugEnabled()) debugLogText("Got C++ exception in REALBuildMemoryblock:", failure.what());
   } catch (...) {

@@ -9,7 +9,7 @@
 namespace zel {
 
 struct PluginDefinitions {
-  REALclassDefinition* classExtension;  // null while it has no methods
+  REALclassDefinition* classExtension;
   std::span<REALmethodDefinition> globalMethods;
   void (*buildRuntimeTables)();  // start-up work done only in a built application; may be null
 };

@@ -47,7 +47,7 @@ void initialise() noexcept {
       if (debugEnabled()) debugLogLabel("Warning: failed to build the run-time tables.");
     }
   }
-  if (definitions.classExtension != nullptr) registerClassExtension(definitions.classExtension);
+  registerClassExtension(definitions.classExtension);
   registerGlobalMethods(definitions.globalMethods.data(), definitions.globalMethods.size());
   registerModule();
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "bridge/adapter_support.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
 #include "framework/out_of_memory_error.h"

@@ -1,32 +1,11 @@
 // Registered functions over strings as plain runs of bytes: masks, concatenation, byte-set search,
 // comparison, filling, wiping, random bytes, ASCII tests, byte-order marks and whole-string
-// conversion. Also the call shapes that the byte-level families share.
+// conversion.
 #pragma once
 
-#include <cstdint>
-
-#include "bridge/adapter_support.h"
-#include "bridge/host_string_bytes.h"
-#include "framework/exceptions.h"
 #include "sdk/host_types.h"
 
 namespace zel::adapters {
-
-// Runs a kernel over the bytes of the string arguments, borrowed for the call (nil reads as no
-// bytes), and hands back its number or Boolean.
-template <class Kernel, class... Strings>
-auto readBytes(Kernel&& kernel, Strings... strings) noexcept {
-  return quietOnOutOfMemory([&] { return kernel(HostStringBytes(strings).view()...); });
-}
-
-// The same for a kernel that makes bytes: they become a new host string in `resultEncoding`
-// (no bytes give nil).
-template <class Kernel, class... Strings>
-REALstring bytesToString(std::uint32_t resultEncoding, Kernel&& kernel,
-                         Strings... strings) noexcept {
-  return quietOnOutOfMemory(
-      [&] { return buildString(kernel(HostStringBytes(strings).view()...), resultEncoding); });
-}
 
 REALstring StringANDZEL(REALstring a, REALstring b) noexcept;
 REALstring StringORZEL(REALstring a, REALstring b) noexcept;

@@ -37,12 +37,6 @@ void logOccurrence(std::string_view text, std::size_t position, std::size_t word
   debugLogInt32("posAfter", after < text.size() ? static_cast<signed char>(text[after]) : 0);
 }
 
-constexpr bool isWideUnicode(std::uint32_t textEncoding) {
-  using namespace encoding;
-  return textEncoding == kUTF16 || textEncoding == kUTF16BE || textEncoding == kUTF16LE ||
-         textEncoding == kUTF32 || textEncoding == kUTF32BE || textEncoding == kUTF32LE;
-}
-
 std::string withLineEndings(std::string_view text, std::string_view newLine, bool yield) {
   return strings::replaceLineEndings(text, newLine, yield, [] { host::REALYieldToRB(); });
 }

@@ -4,7 +4,6 @@
 
 #include "bridge/adapter_support.h"
 #include "bridge/host_text.h"
-#include "strings/byte_ops_adapters.h"
 #include "strings/transfer_encodings.h"
 
 namespace zel::adapters {

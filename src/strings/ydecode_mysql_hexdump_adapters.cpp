@@ -7,7 +7,6 @@
 
 #include "bridge/adapter_support.h"
 #include "bridge/memory_block.h"
-#include "strings/byte_ops_adapters.h"
 #include "strings/ydecode_mysql_hexdump.h"
 
 namespace zel::adapters {

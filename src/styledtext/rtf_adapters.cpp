@@ -37,14 +37,16 @@ class HostStyledTextSink final : public styledtext::StyledTextSink {
   }
 
   void appendStyleRun(const styledtext::RunStyle& style, const styledtext::RunText& text) override {
-    REALobject run = makeRun(style);
     std::optional<RBInteger> after;
     if (text.encoding == styledtext::kEncodingUtf16 && text.bytes.size() == sizeof(char16_t)) {
       char16_t unit = 0;
       std::memcpy(&unit, text.bytes.data(), sizeof unit);
+      REALobject run = makeRun(style);
       after = styledtext::StyledTextAddUnitRun(unit, styledText_, run, kKeepAlignment);
     } else {
+      // Copied before the run exists, so a failed allocation cannot strand it.
       text_.assign(text.bytes);
+      REALobject run = makeRun(style);
       after = styledtext::StyledTextAddBufferedRun(text_, text.encoding, styledText_, run,
                                                    kKeepAlignment);
     }

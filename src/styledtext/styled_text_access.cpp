@@ -113,22 +113,22 @@ OwnedString readFont(REALobject run) noexcept {
   return retagged ? OwnedString(retagged) : std::move(font);
 }
 
-std::optional<StyleRunRecord> readRun(REALobject styledText, RBInteger index) noexcept {
+// Allocates; a failure reaches the registered function's guard.
+std::optional<StyleRunRecord> readRun(REALobject styledText, RBInteger index) {
   const auto runAt = reinterpret_cast<ObjectAt>(styleRunMethod.load(styledText));
-  REALobject run = runAt ? runAt(styledText, index) : nullptr;
-  if (run == nullptr) return std::nullopt;
+  const OwnedObject run(runAt ? runAt(styledText, index) : nullptr);
+  if (!run) return std::nullopt;
   StyleRunRecord record;
-  if (const OwnedString font = readFont(run))
+  if (const OwnedString font = readFont(run.get()))
     record.font = std::string(HostText(font.get()).utf8());
-  const OwnedString text = stringProperty(run, "Text");
+  const OwnedString text = stringProperty(run.get(), "Text");
   record.text = std::u16string(HostText(text.get()).utf16());
-  host::REALGetPropValueColor(run, "TextColor", &record.textColor);
-  record.bold = booleanProperty(run, "Bold");
-  record.italic = booleanProperty(run, "Italic");
-  record.underline = booleanProperty(run, "Underline");
-  record.size = integerProperty(run, "Size");
+  host::REALGetPropValueColor(run.get(), "TextColor", &record.textColor);
+  record.bold = booleanProperty(run.get(), "Bold");
+  record.italic = booleanProperty(run.get(), "Italic");
+  record.underline = booleanProperty(run.get(), "Underline");
+  record.size = integerProperty(run.get(), "Size");
   record.length = hostLen(text.get());
-  host::REALUnlockObject(run);
   return record;
 }
 
@@ -137,12 +137,11 @@ std::vector<ParagraphRange> readParagraphs(REALobject styledText, RBInteger coun
   const auto paragraphAt = reinterpret_cast<ObjectAt>(paragraphMethod.load(styledText));
   if (paragraphAt == nullptr) return paragraphs;
   for (RBInteger index = 0; index < count; ++index) {
-    REALobject paragraph = paragraphAt(styledText, index);
-    if (paragraph == nullptr) continue;
-    paragraphs.push_back({integerProperty(paragraph, "StartPos"),
-                          integerProperty(paragraph, "EndPos"),
-                          integerProperty(paragraph, "Alignment")});
-    host::REALUnlockObject(paragraph);
+    const OwnedObject paragraph(paragraphAt(styledText, index));
+    if (!paragraph) continue;
+    paragraphs.push_back({integerProperty(paragraph.get(), "StartPos"),
+                          integerProperty(paragraph.get(), "EndPos"),
+                          integerProperty(paragraph.get(), "Alignment")});
   }
   return paragraphs;
 }
