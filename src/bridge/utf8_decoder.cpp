@@ -19,33 +19,31 @@ constexpr std::array<std::uint8_t, 256> kTrailingBytes = [] {
   return table;
 }();
 
+constexpr std::uint8_t kTrailingMin = 0x80;
+constexpr std::uint8_t kTrailingMax = 0xBF;
+
+// Every trailing byte lies in 80..BF; some lead bytes narrow the second byte further, to rule out
+// overlong forms, encoded surrogates and values beyond U+10FFFF.
 bool isWellFormed(std::span<const std::uint8_t> sequence) noexcept {
   const std::uint8_t lead = sequence[0];
-  if (sequence.size() > 4) return false;
-  for (std::size_t i = 2; i < sequence.size(); ++i) {
-    if (sequence[i] < 0x80 || sequence[i] > 0xBF) return false;
+  if (sequence.size() > 4 || (lead >= 0x80 && lead < 0xC2) || lead > 0xF4) return false;
+  for (const std::uint8_t trailing : sequence.subspan(1)) {
+    if (trailing < kTrailingMin || trailing > kTrailingMax) return false;
   }
-  if (sequence.size() >= 2) {
-    const std::uint8_t second = sequence[1];
-    if (second > 0xBF) return false;
-    switch (lead) {
-      case 0xE0:
-        if (second < 0xA0) return false;
-        break;
-      case 0xED:
-        if (second > 0x9F) return false;
-        break;
-      case 0xF0:
-        if (second < 0x90) return false;
-        break;
-      case 0xF4:
-        if (second > 0x8F) return false;
-        break;
-      default:
-        if (second < 0x80) return false;
-    }
+  if (sequence.size() < 2) return true;
+  const std::uint8_t second = sequence[1];
+  switch (lead) {
+    case 0xE0:
+      return second >= 0xA0;
+    case 0xED:
+      return second <= 0x9F;
+    case 0xF0:
+      return second >= 0x90;
+    case 0xF4:
+      return second <= 0x8F;
+    default:
+      return true;
   }
-  return !(lead >= 0x80 && lead < 0xC2) && lead <= 0xF4;
 }
 
 char32_t valueOf(std::span<const std::uint8_t> sequence) noexcept {

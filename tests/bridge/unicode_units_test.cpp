@@ -1,60 +1,14 @@
-// The bridge's pure conversions: the strict UTF-8 decoder, the old hosts' UTF-32 to UTF-16 path
-// and the UTF-16 to UTF-32 fallback.
+// The bridge's pure conversions: the old hosts' UTF-32 to UTF-16 path and the UTF-16 to UTF-32
+// fallback.
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "bridge/unicode_units.h"
-#include "bridge/utf8_decoder.h"
 #include "bridge_fixture.h"
 
 namespace zel {
 namespace {
-
-struct DecodeCase {
-  const char* name;
-  std::string_view input;
-  std::u16string_view utf16;
-  std::u32string_view utf32;
-  std::optional<std::size_t> badOffset;
-};
-
-const DecodeCase kDecodeCases[] = {
-    {"ascii with nul", {"a\0b", 3}, {u"a\0b", 3}, {U"a\0b", 3}, {}},
-    {"two-byte", "\xC3\xA9t\xC2\x80", u"\u00E9t\u0080", U"\u00E9t\u0080", {}},
-    {"non-minimal two-byte stops",
-     "a\xC0\x80"
-     "b",
-     u"a", U"a", 1},
-    {"byte order marks dropped", "x\xEF\xBB\xBFy\xEF\xBF\xBE", u"xy", U"xy", {}},
-    {"astral becomes a pair", "\xF0\x9F\x98\x80!", u"\xD83D\xDE00!", U"\U0001F600!", {}},
-    {"highest code point", "\xF4\x8F\xBF\xBF", u"\xDBFF\xDFFF", U"\U0010FFFF", {}},
-    {"overlong three-byte", "\xE0\x9F\x80", u"", U"", 0},
-    {"encoded surrogate", "ok\xED\xA0\x80", u"ok", U"ok", 2},
-    {"beyond U+10FFFF", "\xF4\x90\x80\x80", u"", U"", 0},
-    {"five-byte form", "\xF8\x88\x80\x80\x80", u"", U"", 0},
-    {"stray continuation", "z\x80", u"z", U"z", 1},
-    {"truncated at the end", "ab\xE2\x82", u"ab", U"ab", 2},
-    {"bad trailing byte", "\xE2\x28\xA1", u"", U"", 0},
-    {"lead C1 is illegal", "\xC1\xBF", u"", U"", 0},
-};
-
-TEST(Utf8Decoder, DecodesStrictlyAndStopsAtTheFirstBadSequence) {
-  for (const auto& c : kDecodeCases) {
-    SCOPED_TRACE(c.name);
-    const std::span bytes(reinterpret_cast<const std::uint8_t*>(c.input.data()), c.input.size());
-    std::vector<char16_t> units(c.input.size() + 1, 0xFFFF);
-    const auto wide = decodeUtf8(bytes, units.data());
-    EXPECT_EQ(std::u16string_view(units.data(), wide.units), c.utf16);
-    EXPECT_EQ(units[wide.units], 0);
-    EXPECT_EQ(wide.badOffset, c.badOffset);
-    std::vector<char32_t> codePoints(c.input.size() + 1, 0xFFFF);
-    const auto full = decodeUtf8(bytes, codePoints.data());
-    EXPECT_EQ(std::u32string_view(codePoints.data(), full.units), c.utf32);
-    EXPECT_EQ(codePoints[full.units], 0U);
-    EXPECT_EQ(full.badOffset, c.badOffset);
-  }
-}
 
 TEST(UnicodeUnits, FallbackCombinationKeepsItsAsymmetry) {
   const struct {
