@@ -419,8 +419,9 @@ std::string outcomeJson(const CallOutcome& outcome) {
 std::string outcomeText(const CallOutcome& outcome) {
   std::string text = outcome.resultText;
   if (outcome.exception) {
-    text += (text.empty() ? "" : "\n") + std::string("exception ") + outcome.exception->className +
-            ": " + outcome.exception->message;
+    if (!text.empty()) text += '\n';
+    text.append("exception ").append(outcome.exception->className).append(": ");
+    text += outcome.exception->message;
   }
   return text;
 }

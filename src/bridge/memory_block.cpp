@@ -1,7 +1,6 @@
 #include "bridge/memory_block.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
 #include <cstring>
 
@@ -9,6 +8,7 @@
 #include "framework/debug_log.h"
 #include "framework/exceptions.h"
 #include "framework/host_api.h"
+#include "framework/lazy_address.h"
 
 namespace zel {
 namespace {
@@ -16,18 +16,15 @@ namespace {
 using DataMethod = void* (*)(REALobject);
 using Constructor = void (*)(REALobject, RBInteger);
 
-// Both methods are the same for every block; a failed lookup is tried again next time.
-std::atomic<void*> cachedDataMethod{nullptr};
-std::atomic<void*> cachedConstructor{nullptr};
+// Both methods are the same for every block.
+constinit LazyAddress<DataMethod> dataMethod;
+constinit LazyAddress<Constructor> constructorMethod;
 
 template <class Method>
-Method loadMethod(std::atomic<void*>& slot, REALobject block, const char* declaration) noexcept {
-  void* method = slot.load(std::memory_order_acquire);
-  if (method == nullptr) {
-    method = host::REALLoadObjectMethod(block, declaration);
-    if (method != nullptr) slot.store(method, std::memory_order_release);
-  }
-  return reinterpret_cast<Method>(method);
+Method loadMethod(LazyAddress<Method>& slot, REALobject block, const char* declaration) noexcept {
+  return slot.get([&]() noexcept {
+    return reinterpret_cast<Method>(host::REALLoadObjectMethod(block, declaration));
+  });
 }
 
 struct Construction {
@@ -40,7 +37,7 @@ void constructBlock(void* context) noexcept {
   OwnedObject instance(host::PluginNewInstance("MemoryBlock"));
   if (!instance) return;
   const auto constructor =
-      loadMethod<Constructor>(cachedConstructor, instance.get(), "Constructor(bytes as Integer)");
+      loadMethod(constructorMethod, instance.get(), "Constructor(bytes as Integer)");
   if (constructor == nullptr) return;
   constructor(instance.get(), construction.size);
   if (memoryBlockSize(instance.get()) < construction.size) return;
@@ -59,7 +56,7 @@ void raiseBlockFailure(RBInteger length) noexcept {
 
 void* memoryBlockData(REALobject block) noexcept {
   if (block == nullptr) return nullptr;
-  const auto method = loadMethod<DataMethod>(cachedDataMethod, block, "Operator_Convert() As Ptr");
+  const auto method = loadMethod(dataMethod, block, "Operator_Convert() As Ptr");
   return method == nullptr ? nullptr : method(block);
 }
 

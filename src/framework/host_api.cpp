@@ -1,32 +1,27 @@
 #include "framework/host_api.h"
 
-#include <atomic>
-
+#include "framework/lazy_address.h"
 #include "framework/plugin_state.h"
 
 namespace zel::host {
 namespace {
 
-// A lazily filled cache of one service's address. A failed lookup leaves it empty, so the next
-// call asks the resolver again; concurrent fillers all store the same address.
+// One service's address, looked up by name through the host's resolver.
 template <class Function>
 class ServiceSlot {
  public:
   explicit constexpr ServiceSlot(const char* name) noexcept : name_(name) {}
 
   Function get() noexcept {
-    Function function = cached_.load(std::memory_order_acquire);
-    if (function != nullptr) return function;
-    const REALresolver resolver = pluginState().resolver;
-    if (resolver == nullptr) return nullptr;
-    function = reinterpret_cast<Function>(resolver(name_));
-    if (function != nullptr) cached_.store(function, std::memory_order_release);
-    return function;
+    return address_.get([this]() noexcept -> Function {
+      const REALresolver resolver = pluginState().resolver;
+      return resolver != nullptr ? reinterpret_cast<Function>(resolver(name_)) : nullptr;
+    });
   }
 
  private:
   const char* name_;
-  std::atomic<Function> cached_{nullptr};
+  LazyAddress<Function> address_;
 };
 
 // The service's cached address (null when the host lacks it), named by the service itself.
@@ -74,14 +69,11 @@ void PluginDisposeStringData(REALstringData* data) noexcept {
 
 namespace {
 service::LenB loadLenB() noexcept {
-  static constinit std::atomic<service::LenB> cached{nullptr};
-  service::LenB lenB = cached.load(std::memory_order_acquire);
-  if (lenB == nullptr) {
-    lenB = reinterpret_cast<service::LenB>(
+  static constinit LazyAddress<service::LenB> lenB;
+  return lenB.get([]() noexcept {
+    return reinterpret_cast<service::LenB>(
         REALLoadGlobalMethod(nullptr, "LenB( s as string ) as integer"));
-    if (lenB != nullptr) cached.store(lenB, std::memory_order_release);
-  }
-  return lenB;
+  });
 }
 
 const char* rawCString(REALstring s) noexcept {

@@ -9,6 +9,7 @@
 #include "bridge/host_text.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
+#include "framework/lazy_address.h"
 
 namespace zel::styledtext {
 namespace {
@@ -65,8 +66,6 @@ constinit ObjectMethodSlot paragraphAlignmentMethod(
     "ParagraphAlignment(Index As Integer, assigns _value as Integer)");
 constinit ObjectMethodSlot removeStyleRunMethod("RemoveStyleRun(Index as Integer)");
 
-constinit std::atomic<void*> lenMethod{nullptr};
-
 using ObjectAt = REALobject (*)(REALobject, RBInteger);
 using AppendRun = void (*)(REALobject, REALobject);
 using SetAlignment = void (*)(REALobject, RBInteger, RBInteger);
@@ -74,13 +73,11 @@ using RemoveRun = void (*)(REALobject, RBInteger);
 using Len = RBInteger (*)(REALstring);
 
 RBInteger hostLen(REALstring s) noexcept {
-  void* len = lenMethod.load(std::memory_order_acquire);
-  if (len == nullptr) {
-    len = host::REALLoadGlobalMethod(nullptr, "Len(s as string) as integer");
-    if (len == nullptr) return 0;
-    lenMethod.store(len, std::memory_order_release);
-  }
-  return reinterpret_cast<Len>(len)(s);
+  static constinit LazyAddress<Len> lenMethod;
+  const Len len = lenMethod.get([]() noexcept {
+    return reinterpret_cast<Len>(host::REALLoadGlobalMethod(nullptr, "Len(s as string) as integer"));
+  });
+  return len != nullptr ? len(s) : 0;
 }
 
 RBInteger integerProperty(REALobject o, const char* name) noexcept {
