@@ -175,5 +175,24 @@ TEST(StringDistanceKernel, FastPathsMatchTheReferences) {
   }
 }
 
+// Every pair of texts over a three-unit alphabet (one unit beyond the byte range) up to four
+// units: shared prefixes and suffixes, transpositions next to them, and every window size.
+TEST(StringDistanceKernel, EverySmallPairMatchesTheReferences) {
+  std::vector<std::u16string> texts{u""};
+  for (std::size_t begin = 0, length = 1; length <= 4; ++length) {
+    const std::size_t end = texts.size();
+    for (std::size_t i = begin; i < end; ++i) {
+      for (const char16_t unit : {u'a', u'b', u'\x3B1'}) texts.push_back(texts[i] + unit);
+    }
+    begin = end;
+  }
+  for (const auto& a : texts) {
+    for (const auto& b : texts) {
+      ASSERT_EQ(levenshteinDistance(a, b), referenceLevenshtein(a, b));
+      ASSERT_EQ(jaroWinklerDistance(a, b), referenceJaroWinkler(a, b));
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zel::strings
