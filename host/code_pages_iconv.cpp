@@ -1,8 +1,9 @@
-#include <errno.h>
 #include <iconv.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <cerrno>
 
 #include "code_pages.h"
 
@@ -33,12 +34,12 @@ class Converter {
     std::array<Unit, kChunkUnits> chunk{};
     char* inPointer = const_cast<char*>(in.data());
     std::size_t inLeft = in.size();
-    const auto drain = [&](char* outPointer) {
-      out.append(chunk.data(),
-                 static_cast<std::size_t>(reinterpret_cast<Unit*>(outPointer) - chunk.data()));
+    char* const chunkStart = reinterpret_cast<char*>(chunk.data());
+    const auto drain = [&](const char* outPointer) {
+      out.append(chunk.data(), static_cast<std::size_t>(outPointer - chunkStart) / sizeof(Unit));
     };
     while (inLeft > 0) {
-      char* outPointer = reinterpret_cast<char*>(chunk.data());
+      char* outPointer = chunkStart;
       std::size_t outLeft = sizeof(chunk);
       const std::size_t status = iconv(handle_, &inPointer, &inLeft, &outPointer, &outLeft);
       const int error = errno;
@@ -49,7 +50,7 @@ class Converter {
       inLeft -= skipped;
       iconv(handle_, nullptr, nullptr, nullptr, nullptr);
     }
-    char* outPointer = reinterpret_cast<char*>(chunk.data());
+    char* outPointer = chunkStart;
     std::size_t outLeft = sizeof(chunk);
     iconv(handle_, nullptr, nullptr, &outPointer, &outLeft);
     drain(outPointer);
