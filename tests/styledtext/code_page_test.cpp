@@ -1,6 +1,7 @@
 // RTF in every code page the reader can name: the text that reaches the styled text, as the host
 // reads it in the run's encoding.
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,10 @@ const CodePageCase kCases[] = {
     // Unlisted pages read as Windows Latin 1.
     {10002, 0x0500, "\\'80", "€"},
 };
+
+void PrintTo(const CodePageCase& sample, std::ostream* out) {
+  *out << "code page " << sample.codePage << " (" << sample.text << ")";
+}
 
 class CodePageTest : public PluginFixture, public ::testing::WithParamInterface<CodePageCase> {};
 
