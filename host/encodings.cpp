@@ -1,12 +1,12 @@
 #include "encodings.h"
 
-#include <iconv.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <map>
+#include <mutex>
 
+#include "code_pages.h"
 #include "sdk/host_types.h"
 
 namespace zelhost::detail {
@@ -14,7 +14,7 @@ namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 
-enum class Form { Utf8, Utf16LE, Utf16BE, Utf32LE, Utf32BE, SingleByte, None };
+enum class Form { Utf8, Utf16LE, Utf16BE, Utf32LE, Utf32BE, CodePage, None };
 
 // The host's native byte order is little-endian.
 Form formOf(std::uint32_t encoding) {
@@ -31,62 +31,75 @@ Form formOf(std::uint32_t encoding) {
       return Form::Utf32LE;
     case encoding::kUTF32BE:
       return Form::Utf32BE;
-    case encoding::kASCII:
-    case encoding::kISOLatin1:
-    case encoding::kWindowsLatin1:
-    case encoding::kMacRoman:
-      return Form::SingleByte;
     case encoding::kNone:
-      return Form::SingleByte;
+      return Form::CodePage;
     default:
-      return Form::None;
+      return findCodePage(encoding) ? Form::CodePage : Form::None;
   }
 }
 
-// One code page as 256 code points (U+FFFD where the page defines nothing) and its inverse.
-struct CodePage {
+// What the platform converter makes of one code page, learnt once. A single-byte page is kept
+// as 256 code points (U+FFFD where the page defines nothing) and its inverse, first byte first.
+struct LoadedPage {
+  const CodePage* page = nullptr;
+  bool converts = false;
   std::array<char32_t, 256> toUnicode{};
   std::map<char32_t, unsigned char> fromUnicode;
 };
 
-CodePage loadCodePage(const char* iconvName) {
-  CodePage page;
-  const iconv_t converter = iconv_open("UTF-32LE", iconvName);
-  for (unsigned byte = 0; byte < 256; ++byte) {
-    char in = static_cast<char>(byte);
-    std::array<unsigned char, 8> out{};
-    char* inPointer = &in;
-    char* outPointer = reinterpret_cast<char*>(out.data());
-    std::size_t inLeft = 1;
-    std::size_t outLeft = out.size();
-    iconv(converter, nullptr, nullptr, nullptr, nullptr);
-    const bool converted = converter != reinterpret_cast<iconv_t>(-1) &&
-                           iconv(converter, &inPointer, &inLeft, &outPointer, &outLeft) == 0 &&
-                           outLeft == 4;
-    page.toUnicode[byte] =
-        converted ? static_cast<char32_t>(out[0] | out[1] << 8 | out[2] << 16 | out[3] << 24)
-                  : kReplacement;
-    if (converted) page.fromUnicode.emplace(page.toUnicode[byte], static_cast<unsigned char>(byte));
+char32_t byteToUnicode(const CodePage& page, unsigned byte) {
+  if (page.upperHalf != nullptr) {
+    return byte < kUpperHalfStart ? byte : (*page.upperHalf)[byte - kUpperHalfStart];
   }
-  if (converter != reinterpret_cast<iconv_t>(-1)) iconv_close(converter);
-  return page;
+  const std::u32string text = platformDecode(std::string(1, static_cast<char>(byte)), page);
+  return text.size() == 1 ? text.front() : kReplacement;
 }
 
-const CodePage& codePage(std::uint32_t encoding) {
-  static const CodePage ascii = loadCodePage("ASCII");
-  static const CodePage latin1 = loadCodePage("ISO-8859-1");
-  static const CodePage windowsLatin1 = loadCodePage("CP1252");
-  static const CodePage macRoman = loadCodePage("MACINTOSH");
-  switch (encoding) {
-    case encoding::kASCII:
-      return ascii;
-    case encoding::kISOLatin1:
-      return latin1;
-    case encoding::kMacRoman:
-      return macRoman;
-    default:
-      return windowsLatin1;
+LoadedPage loadPage(const CodePage& page) {
+  LoadedPage loaded{&page, page.upperHalf != nullptr || platformConverts(page), {}, {}};
+  if (!loaded.converts || !page.singleByte) return loaded;
+  for (unsigned byte = 0; byte < loaded.toUnicode.size(); ++byte) {
+    loaded.toUnicode[byte] = byteToUnicode(page, byte);
   }
+  for (const ByteOverride& change : page.overrides)
+    loaded.toUnicode[change.byte] = change.codePoint;
+  for (unsigned byte = 0; byte < loaded.toUnicode.size(); ++byte) {
+    if (loaded.toUnicode[byte] != kReplacement) {
+      loaded.fromUnicode.emplace(loaded.toUnicode[byte], static_cast<unsigned char>(byte));
+    }
+  }
+  return loaded;
+}
+
+// No encoding reads as Windows Latin 1.
+const LoadedPage& loadedPage(std::uint32_t encoding) {
+  static std::mutex guard;
+  static std::map<std::uint32_t, LoadedPage> pages;
+  const CodePage& page =
+      *findCodePage(encoding == encoding::kNone ? encoding::kWindowsLatin1 : encoding);
+  const std::lock_guard lock(guard);
+  auto found = pages.find(page.hostEncoding);
+  if (found == pages.end()) found = pages.emplace(page.hostEncoding, loadPage(page)).first;
+  return found->second;
+}
+
+std::u32string decodeCodePage(std::string_view bytes, const LoadedPage& loaded) {
+  if (!loaded.page->singleByte) return platformDecode(bytes, *loaded.page);
+  std::u32string out;
+  out.reserve(bytes.size());
+  for (const char byte : bytes) out.push_back(loaded.toUnicode[static_cast<unsigned char>(byte)]);
+  return out;
+}
+
+std::string encodeCodePage(std::u32string_view text, const LoadedPage& loaded) {
+  if (!loaded.page->singleByte) return platformEncode(text, *loaded.page);
+  std::string out;
+  out.reserve(text.size());
+  for (const char32_t c : text) {
+    const auto found = loaded.fromUnicode.find(c);
+    out.push_back(found == loaded.fromUnicode.end() ? '?' : static_cast<char>(found->second));
+  }
+  return out;
 }
 
 bool isScalar(char32_t c) {
@@ -210,7 +223,8 @@ void appendUtf8(std::string& out, char32_t c) {
 }
 
 bool isConvertible(std::uint32_t encoding) {
-  return formOf(encoding) != Form::None;
+  const Form form = formOf(encoding);
+  return form != Form::None && (form != Form::CodePage || loadedPage(encoding).converts);
 }
 
 std::u32string decodeText(std::string_view bytes, std::uint32_t encoding) {
@@ -232,11 +246,9 @@ std::u32string decodeText(std::string_view bytes, std::uint32_t encoding) {
     case Form::Utf32BE:
       decodeUtf32(bytes, true, out);
       break;
-    case Form::SingleByte: {
-      const CodePage& page = codePage(encoding);
-      for (const char byte : bytes) out.push_back(page.toUnicode[static_cast<unsigned char>(byte)]);
+    case Form::CodePage:
+      out = decodeCodePage(bytes, loadedPage(encoding));
       break;
-    }
     case Form::None:
       break;
   }
@@ -244,9 +256,10 @@ std::u32string decodeText(std::string_view bytes, std::uint32_t encoding) {
 }
 
 std::string encodeText(std::u32string_view text, std::uint32_t encoding) {
+  const Form form = formOf(encoding);
+  if (form == Form::CodePage) return encodeCodePage(text, loadedPage(encoding));
   std::string out;
   out.reserve(text.size());
-  const Form form = formOf(encoding);
   for (const char32_t c : text) {
     switch (form) {
       case Form::Utf8:
@@ -265,12 +278,7 @@ std::string encodeText(std::u32string_view text, std::uint32_t encoding) {
       case Form::Utf32BE:
         appendUnit(out, c, 4, form == Form::Utf32BE);
         break;
-      case Form::SingleByte: {
-        const CodePage& page = codePage(encoding);
-        const auto found = page.fromUnicode.find(c);
-        out.push_back(found == page.fromUnicode.end() ? '?' : static_cast<char>(found->second));
-        break;
-      }
+      case Form::CodePage:
       case Form::None:
         break;
     }

@@ -1,5 +1,5 @@
-// Text conversion between the host's encodings: the Unicode forms exactly, the single-byte code
-// pages by their standard tables. Malformed source bytes read as U+FFFD; a character that the
+// Text conversion between the host's encodings: the Unicode forms exactly, the legacy code pages
+// through the platform's converter. Malformed source bytes read as U+FFFD; a character that the
 // target cannot hold is written as '?'.
 #pragma once
 

@@ -16,7 +16,9 @@ struct Conversion {
 };
 
 // Keeps test names readable in ctest listings.
-void PrintTo(const Conversion& conversion, std::ostream* out) { *out << conversion.name; }
+void PrintTo(const Conversion& conversion, std::ostream* out) {
+  *out << conversion.name;
+}
 
 const Conversion kConversions[] = {
     {"utf8 to utf16 native", "a\xC3\xA9\xF0\x9F\x98\x80", encoding::kUTF8, encoding::kUTF16,
@@ -62,6 +64,12 @@ const Conversion kConversions[] = {
     {"utf32 beyond unicode", "\x00\x00\x11\x00"s, encoding::kUTF32LE, encoding::kUTF8,
      "\xEF\xBF\xBD"},
     {"ascii high byte is malformed", "\x80", encoding::kASCII, encoding::kUTF8, "\xEF\xBF\xBD"},
+    {"greek delta is not in mac roman", "\xCE\x94", encoding::kUTF8, encoding::kMacRoman, "?"},
+    {"mac roman increment and apple logo", "\xE2\x88\x86\xEF\xA3\xBF", encoding::kUTF8,
+     encoding::kMacRoman, "\xC6\xF0"},
+    {"cp932 lead byte with a bad trail byte", "\x93 a", 0x0420, encoding::kUTF8, "\xEF\xBF\xBD a"},
+    {"cp932 cut-off lead byte", "a\x93", 0x0420, encoding::kUTF8, "a\xEF\xBF\xBD"},
+    {"cp936 astral is one ?", "a\xF0\x9F\x98\x80", encoding::kUTF8, 0x0421, "a?"},
     {"cp1252 undefined byte", "\x81", encoding::kWindowsLatin1, encoding::kUTF8, "\xEF\xBF\xBD"},
     {"same encoding unchanged", "\xFE\xFF\x41\x00"s, encoding::kUTF16, encoding::kUTF16,
      "\xFE\xFF\x41\x00"s},
