@@ -1,6 +1,8 @@
 #include "zelhost_commands.h"
 
 #include <algorithm>
+#include <array>
+#include <cctype>
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
