@@ -1,18 +1,25 @@
 #include "demo_tour.h"
 
+#include <array>
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "dynamic_call.h"
+#include "encodings.h"
 #include "stand_in_host.h"
 
 namespace zelhost {
 namespace {
 
+constexpr const char* kIndent = "     ";  // under the text after "  -> "
+
 struct TourStop {
   const char* function;
   std::vector<std::string> args;
+  // Where the text looks the same before and after, the code points show the change.
+  bool showCodePoints = false;
 };
 
 // Stops whose function (or overload) is not registered are passed over.
@@ -32,7 +39,8 @@ const std::vector<TourStop>& tour() {
       {"EncodingToCP1252ZEL", {"text:€uro"}},
       {"RemoveAccentsZEL", {"text:Crème brûlée"}},
       {"RemoveAccentsZEL", {"text:Æsop ½", "true"}},
-      {"ConvertUnicodeToCharacterDecompositionZEL", {"text:é"}},
+      {"ConvertUnicodeToCharacterDecompositionZEL", {"text:é"}, true},
+      {"ConvertUnicodeToCharacterCompositionZEL", {"text:e\u0301"}, true},
       {"CountOccurancesZEL", {"banana", "an"}},
       {"ContainsWholeWordZEL", {"text:Hello, World!", "text:world"}},
       {"ReplaceLineEndingsZEL", {"hex/0x08000100:610d0a620a0d63", "text:|"}},
@@ -52,6 +60,32 @@ std::string shown(const std::vector<std::string>& args) {
   return text;
 }
 
+// Lines after the first (array elements, an exception) line up under the first.
+std::string indented(const std::string& text) {
+  std::string out;
+  for (const char c : text) out += c == '\n' ? std::string("\n") + kIndent : std::string(1, c);
+  return out;
+}
+
+std::string codePoints(std::string_view utf8) {
+  std::string text;
+  for (const char32_t c : detail::decodeText(utf8, encoding::kUTF8)) {
+    std::array<char, 16> name{};
+    std::snprintf(name.data(), name.size(), "U+%04X", static_cast<unsigned>(c));
+    text += (text.empty() ? "" : " ") + std::string(name.data());
+  }
+  return text;
+}
+
+// The code points of the first argument (a text: one) and of the result's text.
+std::string codePointChange(const TourStop& stop, const CallOutcome& outcome) {
+  constexpr std::string_view kTextForm = "text:";
+  const std::string_view before = std::string_view(stop.args.front()).substr(kTextForm.size());
+  const bool hasText = outcome.result.is_object() && outcome.result.contains("text");
+  return codePoints(before) + " -> " +
+         (hasText ? codePoints(outcome.result.at("text").get<std::string>()) : "nil");
+}
+
 }  // namespace
 
 int runDemoTour(std::ostream& out) {
@@ -60,7 +94,9 @@ int runDemoTour(std::ostream& out) {
     if (findMethod(stop.function) == nullptr) continue;
     try {
       const CallOutcome outcome = callDynamic(stop.function, stop.args);
-      out << stop.function << "(" << shown(stop.args) << ")\n  -> " << outcomeText(outcome) << "\n";
+      out << stop.function << "(" << shown(stop.args) << ")\n  -> "
+          << indented(outcomeText(outcome)) << "\n";
+      if (stop.showCodePoints) out << kIndent << codePointChange(stop, outcome) << "\n";
       ++ran;
     } catch (const std::invalid_argument&) {
       continue;

@@ -3,15 +3,16 @@
 #include <ffi.h>
 #include <strings.h>
 
-#include <array>
+#include <algorithm>
+#include <cctype>
 #include <charconv>
-#include <cstdio>
 #include <stdexcept>
 
 #include "calls.h"
 #include "encodings.h"
 #include "host_strings.h"
-#include "json.h"
+#include "json_text.h"
+#include "near_names.h"
 #include "objects.h"
 
 namespace zelhost {
@@ -19,13 +20,21 @@ namespace {
 
 using detail::CType;
 
-std::optional<std::string> parseHex(std::string_view hex) {
-  if (hex.size() % 2 != 0) return std::nullopt;
+// What is wrong with HEX, empty when nothing is.
+std::string hexFault(std::string_view hex) {
+  const auto bad = std::find_if_not(
+      hex.begin(), hex.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); });
+  if (bad != hex.end()) return std::string("bad hex digit '") + *bad + "'";
+  if (hex.size() % 2 != 0) return "odd number of hex digits (" + std::to_string(hex.size()) + ")";
+  return {};
+}
+
+// The bytes of valid HEX (see hexFault).
+std::string parseHex(std::string_view hex) {
   std::string bytes;
-  for (std::size_t i = 0; i < hex.size(); i += 2) {
+  for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
     unsigned value = 0;
-    const auto [end, error] = std::from_chars(hex.data() + i, hex.data() + i + 2, value, 16);
-    if (error != std::errc() || end != hex.data() + i + 2) return std::nullopt;
+    std::from_chars(hex.data() + i, hex.data() + i + 2, value, 16);
     bytes.push_back(static_cast<char>(value));
   }
   return bytes;
@@ -50,60 +59,86 @@ bool hasPrefix(std::string_view text, std::string_view prefix) {
          strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
 }
 
+constexpr std::string_view kTextForm = "text:";
+constexpr std::string_view kHexForm = "hex:";
+constexpr std::string_view kTaggedHexForm = "hex/";
+constexpr std::string_view kMemoryForm = "mem:";
+constexpr std::string_view kPointerForm = "ptr:";
+
 struct StringForm {
   std::optional<std::string> bytes;  // none: the nil string
-  std::uint32_t encoding;
+  std::uint32_t encoding = encoding::kNone;
 };
 
-std::optional<StringForm> stringForm(std::string_view arg) {
-  if (arg == "nil") return StringForm{std::nullopt, encoding::kNone};
-  if (arg.starts_with("text:")) return StringForm{std::string(arg.substr(5)), encoding::kUTF8};
-  if (arg.starts_with("hex:")) {
-    const auto bytes = parseHex(arg.substr(4));
-    if (!bytes) return std::nullopt;
-    return StringForm{bytes, encoding::kNone};
-  }
-  if (arg.starts_with("hex/")) {
-    const std::size_t colon = arg.find(':');
-    if (colon == std::string_view::npos) return std::nullopt;
-    const std::string_view tag = arg.substr(4, colon - 4);
-    const auto encoding = hasPrefix(tag, "0x") ? parseNumber<std::uint32_t>(tag.substr(2), 16)
-                                               : parseNumber<std::uint32_t>(tag);
-    const auto bytes = parseHex(arg.substr(colon + 1));
-    if (!encoding || !bytes) return std::nullopt;
-    return StringForm{bytes, *encoding};
-  }
-  return StringForm{std::string(arg), encoding::kUTF8};
+std::optional<std::uint32_t> encodingTag(std::string_view tag) {
+  return hasPrefix(tag, "0x") ? parseNumber<std::uint32_t>(tag.substr(2), 16)
+                              : parseNumber<std::uint32_t>(tag);
 }
 
-// How well a text argument fits a parameter: none when it cannot be read as that type; 1 when
-// its form names the parameter's type (mem:, ptr:), else 0.
-std::optional<int> fit(const Parameter& parameter, std::string_view arg) {
+// What keeps `arg` from being a string argument, empty when nothing does.
+std::string stringFault(std::string_view arg) {
+  if (arg.starts_with(kHexForm)) return hexFault(arg.substr(kHexForm.size()));
+  if (!arg.starts_with(kTaggedHexForm)) return {};
+  const std::size_t colon = arg.find(':');
+  if (colon == std::string_view::npos) return "hex/ENC:HEX wants a colon after the encoding";
+  const std::string_view tag = arg.substr(kTaggedHexForm.size(), colon - kTaggedHexForm.size());
+  if (!encodingTag(tag)) {
+    return "bad encoding '" + std::string(tag) + "' (decimal or 0x-prefixed hex)";
+  }
+  return hexFault(arg.substr(colon + 1));
+}
+
+// A string argument that stringFault accepts.
+StringForm stringForm(std::string_view arg) {
+  if (arg == "nil") return {};
+  if (arg.starts_with(kTextForm))
+    return {std::string(arg.substr(kTextForm.size())), encoding::kUTF8};
+  if (arg.starts_with(kHexForm)) return {parseHex(arg.substr(kHexForm.size())), encoding::kNone};
+  if (arg.starts_with(kTaggedHexForm)) {
+    const std::size_t colon = arg.find(':');
+    return {parseHex(arg.substr(colon + 1)),
+            *encodingTag(arg.substr(kTaggedHexForm.size(), colon - kTaggedHexForm.size()))};
+  }
+  return {std::string(arg), encoding::kUTF8};
+}
+
+// What keeps a byte-form argument (mem:, ptr:) from being read, empty when nothing does.
+std::string byteFormFault(std::string_view arg, std::string_view form) {
+  if (!arg.starts_with(form)) return "wants " + std::string(form) + "HEX";
+  return hexFault(arg.substr(form.size()));
+}
+
+// How well a text argument fits a parameter: a fault when it cannot be read as that type; else
+// a score, 1 when its form names the parameter's type (mem:, ptr:), else 0.
+struct Fit {
+  int score = 0;
+  std::string fault;
+};
+
+Fit fit(const Parameter& parameter, std::string_view arg) {
   const auto type = detail::cTypeOfDeclared(parameter.type);
-  if (!type) return std::nullopt;
+  if (!type) return {0, parameter.type + " cannot be given on the command line"};
   switch (*type) {
     case CType::String:
-      return stringForm(arg) ? std::optional(0) : std::nullopt;
+      return {0, stringFault(arg)};
     case CType::Integer:
     case CType::Color:
-      return parseNumber<std::int64_t>(arg) ? std::optional(0) : std::nullopt;
+      return {0, parseNumber<std::int64_t>(arg) ? "" : "wants a decimal integer"};
     case CType::Double:
-      return parseNumber<double>(arg) ? std::optional(0) : std::nullopt;
+      return {0, parseNumber<double>(arg) ? "" : "wants a number"};
     case CType::Boolean:
-      return arg == "true" || arg == "false" ? std::optional(0) : std::nullopt;
+      return {0, arg == "true" || arg == "false" ? "" : "wants true or false"};
     case CType::Ptr:
-      return arg.starts_with("ptr:") && parseHex(arg.substr(4)) ? std::optional(1) : std::nullopt;
+      return {1, byteFormFault(arg, kPointerForm)};
     case CType::Object:
-      if (arg == "nil") return 0;
-      if (parameter.type == "memoryblock" && arg.starts_with("mem:") && parseHex(arg.substr(4))) {
-        return 1;
-      }
-      return std::nullopt;
+      if (arg == "nil") return {0, ""};
+      if (parameter.type == "memoryblock") return {1, byteFormFault(arg, kMemoryForm)};
+      return {0, "wants nil"};
     case CType::Array:
     case CType::Void:
-      return std::nullopt;
+      break;
   }
-  return std::nullopt;
+  return {0, parameter.type + " cannot be given on the command line"};
 }
 
 // A declared default value in ARG form.
@@ -113,7 +148,7 @@ std::string defaultArgument(const Parameter& parameter) {
   if (type == CType::String) {
     if (value.size() >= 2 && value.front() == '"' && value.back() == '"') {
       value = value.substr(1, value.size() - 2);
-      return value.empty() ? "nil" : "text:" + std::string(value);
+      return value.empty() ? "nil" : std::string(kTextForm) + std::string(value);
     }
   }
   if ((type == CType::Integer || type == CType::Color) && hasPrefix(value, "&h")) {
@@ -128,56 +163,91 @@ std::string defaultArgument(const Parameter& parameter) {
 struct Choice {
   const RegisteredMember* member = nullptr;
   std::vector<std::string> args;  // one per parameter, defaults filled in
+  int score = -1;
+  std::string fault;  // why the arguments do not fit, when they do not
 };
+
+bool isGlobal(const RegisteredMember& member) {
+  return member.kind == RegisteredMember::Kind::Method ||
+         member.kind == RegisteredMember::Kind::ModuleMethod;
+}
+
+bool takesCount(const RegisteredMember& member, std::size_t count) {
+  const auto& parameters = member.parsed.parameters;
+  return count <= parameters.size() &&
+         std::all_of(parameters.begin() + static_cast<std::ptrdiff_t>(count), parameters.end(),
+                     [](const Parameter& parameter) { return parameter.defaultValue.has_value(); });
+}
+
+Choice tryMember(const RegisteredMember& member, const std::vector<std::string>& args) {
+  const auto& parameters = member.parsed.parameters;
+  Choice choice{&member, args, 0, {}};
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (i >= args.size()) choice.args.push_back(defaultArgument(parameters[i]));
+    const Fit fits = fit(parameters[i], choice.args[i]);
+    if (!fits.fault.empty()) {
+      choice.fault = fits.fault + " in argument " + std::to_string(i + 1);
+      choice.score = -1;
+      return choice;
+    }
+    choice.score += fits.score;
+  }
+  return choice;
+}
+
+std::string candidateLines(const std::vector<Choice>& choices) {
+  std::string lines;
+  for (const Choice& choice : choices) {
+    lines += "\n  " + choice.member->declaration;
+    if (!choice.fault.empty()) lines += "  (" + choice.fault + ")";
+  }
+  return lines;
+}
+
+[[noreturn]] void unknownFunction(std::string_view name) {
+  std::vector<std::string> known;
+  for (const RegisteredMember& member : registration().members) {
+    if (isGlobal(member)) known.push_back(member.parsed.name);
+  }
+  const auto near = nearNames(name, known);
+  std::string message = "unknown function " + std::string(name);
+  for (std::size_t i = 0; i < near.size(); ++i) {
+    message += (i == 0 ? "; did you mean " : i + 1 == near.size() ? " or " : ", ") + near[i];
+  }
+  throw std::invalid_argument(near.empty() ? message : message + "?");
+}
 
 Choice choose(std::string_view name, const std::vector<std::string>& args) {
   std::vector<const RegisteredMember*> callable;
   for (const RegisteredMember* member : detail::membersNamed(name)) {
-    const bool global = member->kind == RegisteredMember::Kind::Method ||
-                        member->kind == RegisteredMember::Kind::ModuleMethod;
-    if (global && (callable.empty() || callable.front()->kind == member->kind)) {
+    if (isGlobal(*member) && (callable.empty() || callable.front()->kind == member->kind)) {
       callable.push_back(member);
     }
   }
-  if (callable.empty()) throw std::invalid_argument("unknown function " + std::string(name));
+  if (callable.empty()) unknownFunction(name);
+  std::vector<Choice> tried;
   Choice best;
-  int bestScore = -1;
-  std::string complaint;
-  int countFits = 0;
   for (const RegisteredMember* member : callable) {
-    const auto& parameters = member->parsed.parameters;
-    if (args.size() > parameters.size()) continue;
-    bool countFitsThis = true;
-    for (std::size_t i = args.size(); i < parameters.size(); ++i) {
-      countFitsThis = countFitsThis && parameters[i].defaultValue.has_value();
-    }
-    if (!countFitsThis) continue;
-    ++countFits;
-    Choice choice{member, args};
-    int score = 0;
-    for (std::size_t i = 0; i < parameters.size(); ++i) {
-      if (i >= args.size()) choice.args.push_back(defaultArgument(parameters[i]));
-      const auto fits = fit(parameters[i], choice.args[i]);
-      if (!fits) {
-        complaint = "argument " + std::to_string(i + 1) + " (" + choice.args[i] +
-                    ") is not a valid " + parameters[i].type + " for " + member->declaration;
-        score = -1;
-        break;
-      }
-      score += *fits;
-    }
-    if (score > bestScore) {
-      best = std::move(choice);
-      bestScore = score;
-    }
+    tried.push_back(takesCount(*member, args.size()) ? tryMember(*member, args)
+                                                     : Choice{member, args, -1, {}});
+    if (tried.back().score > best.score) best = tried.back();
   }
   if (best.member != nullptr) return best;
-  if (countFits == 0) {
+  const auto counted = std::count_if(tried.begin(), tried.end(),
+                                     [](const Choice& choice) { return !choice.fault.empty(); });
+  if (counted == 0) {
     throw std::invalid_argument("no overload of " + std::string(name) + " takes " +
-                                std::to_string(args.size()) + " arguments");
+                                std::to_string(args.size()) +
+                                " arguments; there are:" + candidateLines(tried));
   }
-  if (countFits == 1) throw std::invalid_argument(complaint);
-  throw std::invalid_argument("no overload of " + std::string(name) + " fits the arguments");
+  const auto fitting = std::find_if(tried.begin(), tried.end(),
+                                    [](const Choice& choice) { return !choice.fault.empty(); });
+  if (counted == 1) {
+    throw std::invalid_argument(fitting->fault + " of " + fitting->member->declaration);
+  }
+  std::erase_if(tried, [](const Choice& choice) { return choice.fault.empty(); });
+  throw std::invalid_argument("no overload of " + std::string(name) +
+                              " fits the arguments; there are:" + candidateLines(tried));
 }
 
 ffi_type* ffiType(CType type) {
@@ -219,7 +289,7 @@ Argument makeArgument(const Parameter& parameter, const std::string& arg) {
   Argument argument;
   switch (*detail::cTypeOfDeclared(parameter.type)) {
     case CType::String: {
-      const StringForm form = *stringForm(arg);
+      const StringForm form = stringForm(arg);
       if (form.bytes) argument.string = makeString(*form.bytes, form.encoding);
       argument.value.pointer = argument.string;
       break;
@@ -237,14 +307,14 @@ Argument makeArgument(const Parameter& parameter, const std::string& arg) {
       argument.value.boolean = arg == "true" ? 1 : 0;
       break;
     case CType::Ptr: {
-      const std::string bytes = *parseHex(arg.substr(4));
+      const std::string bytes = parseHex(arg.substr(kPointerForm.size()));
       argument.buffer.assign(bytes.begin(), bytes.end());
       argument.buffer.push_back('\0');
       argument.value.pointer = argument.buffer.data();
       break;
     }
     case CType::Object:
-      if (arg != "nil") argument.object = makeMemoryBlock(*parseHex(arg.substr(4)));
+      if (arg != "nil") argument.object = makeMemoryBlock(parseHex(arg.substr(kMemoryForm.size())));
       argument.value.pointer = argument.object;
       break;
     case CType::Array:
@@ -254,85 +324,71 @@ Argument makeArgument(const Parameter& parameter, const std::string& arg) {
   return argument;
 }
 
-void describeString(REALstring s, std::string& json, std::string& text) {
-  if (s == nullptr) {
-    json = "null";
-    text = "nil";
-    return;
-  }
-  const std::string bytes = stringBytes(s);
-  const std::uint32_t encoding = stringEncoding(s);
-  json = "{\"encoding\": " + std::to_string(encoding) + ", \"hex\": \"" + hexOf(bytes) + "\"";
-  const std::string name = " (" + detail::encodingName(encoding) + ")";
-  if (detail::isValidIn(bytes, encoding)) {
-    const std::string utf8 = *detail::convertBytes(bytes, encoding, encoding::kUTF8);
-    json += ", \"text\": " + json::quote(utf8);
-    text = utf8 + name;
-  } else {
-    text = "hex:" + hexOf(bytes) + name;
-  }
-  json += "}";
-}
-
 struct Described {
-  std::string json;
+  Json json;
   std::string text;
 };
 
-Described describeResult(CType type, const ffi_arg& raw, double real) {
-  Described out;
-  const auto pointer = reinterpret_cast<void*>(static_cast<std::uintptr_t>(raw));
-  std::array<char, 40> number{};
-  switch (type) {
-    case CType::Void:
-      out = {"null", ""};
-      break;
-    case CType::Integer:
-      out.json = out.text = std::to_string(static_cast<std::int64_t>(raw));
-      break;
-    case CType::Color:
-      out.json = out.text = std::to_string(static_cast<std::uint32_t>(raw));
-      break;
-    case CType::Boolean:
-      out.json = out.text = static_cast<std::int8_t>(raw) != 0 ? "true" : "false";
-      break;
-    case CType::Double:
-      std::snprintf(number.data(), number.size(), "%.17g", real);
-      out.json = out.text = number.data();
-      break;
-    case CType::Ptr:
-      out.json = out.text = std::to_string(reinterpret_cast<std::uintptr_t>(pointer));
-      break;
-    case CType::String:
-      describeString(static_cast<REALstring>(pointer), out.json, out.text);
-      break;
-    case CType::Object:
-      if (pointer == nullptr) {
-        out = {"null", "nil"};
-      } else {
-        const std::string hex = hexOf(memoryBlockBytes(static_cast<REALobject>(pointer)));
-        out = {"{\"hex\": \"" + hex + "\"}", "mem:" + hex};
-      }
-      break;
-    case CType::Array:
-      if (pointer == nullptr) {
-        out = {"null", "nil"};
-        break;
-      }
-      out = {"[", ""};
-      if (const auto* array = detail::objectData<detail::StringArrayData>(
-              static_cast<REALobject>(pointer), "result array")) {
-        for (REALstring item : array->items) {
-          Described element;
-          describeString(item, element.json, element.text);
-          out.json += (out.json.size() > 1 ? ", " : "") + element.json;
-          out.text += (out.text.empty() ? "" : "\n") + element.text;
-        }
-      }
-      out.json += "]";
-      break;
+Described describeString(REALstring s) {
+  if (s == nullptr) return {nullptr, "nil"};
+  const std::string bytes = stringBytes(s);
+  const std::uint32_t encoding = stringEncoding(s);
+  Described out{Json{{"encoding", encoding}, {"hex", hexOf(bytes)}}, {}};
+  const std::string name = " (" + detail::encodingName(encoding) + ")";
+  if (detail::isValidIn(bytes, encoding)) {
+    const std::string utf8 = *detail::convertBytes(bytes, encoding, encoding::kUTF8);
+    out.json["text"] = utf8;
+    out.text = utf8 + name;
+  } else {
+    out.text = std::string(kHexForm) + hexOf(bytes) + name;
   }
   return out;
+}
+
+// A person reads an array one element per line, each marked with its index.
+Described describeArray(REALobject array) {
+  if (array == nullptr) return {nullptr, "nil"};
+  Described out{Json::array(), {}};
+  const auto* data = detail::objectData<detail::StringArrayData>(array, "result array");
+  if (data == nullptr) return out;
+  for (std::size_t i = 0; i < data->items.size(); ++i) {
+    const Described element = describeString(data->items[i]);
+    out.json.push_back(element.json);
+    out.text += (i == 0 ? "" : "\n") + ("[" + std::to_string(i) + "] ") + element.text;
+  }
+  return out;
+}
+
+Described describeResult(CType type, const ffi_arg& raw, double real) {
+  const auto pointer = reinterpret_cast<void*>(static_cast<std::uintptr_t>(raw));
+  switch (type) {
+    case CType::Void:
+      return {nullptr, ""};
+    case CType::Integer:
+      return {static_cast<std::int64_t>(raw), std::to_string(static_cast<std::int64_t>(raw))};
+    case CType::Color:
+      return {static_cast<std::uint32_t>(raw), std::to_string(static_cast<std::uint32_t>(raw))};
+    case CType::Boolean: {
+      const bool value = static_cast<std::int8_t>(raw) != 0;
+      return {value, value ? "true" : "false"};
+    }
+    case CType::Double:
+      return {real, jsonText(real)};
+    case CType::Ptr: {
+      const auto address = reinterpret_cast<std::uintptr_t>(pointer);
+      return {address, std::to_string(address)};
+    }
+    case CType::String:
+      return describeString(static_cast<REALstring>(pointer));
+    case CType::Object: {
+      if (pointer == nullptr) return {nullptr, "nil"};
+      const std::string hex = hexOf(memoryBlockBytes(static_cast<REALobject>(pointer)));
+      return {Json{{"hex", hex}}, std::string(kMemoryForm) + hex};
+    }
+    case CType::Array:
+      return describeArray(static_cast<REALobject>(pointer));
+  }
+  return {nullptr, ""};
 }
 
 void releaseValue(CType type, void* pointer) {
@@ -386,7 +442,7 @@ CallOutcome callDynamic(std::string_view name, const std::vector<std::string>& a
   const bool real = *signature.result == CType::Double;
   const Described described =
       describeResult(*signature.result, real ? ffi_arg{} : result.integer, real ? result.real : 0);
-  outcome.resultJson = described.json;
+  outcome.result = described.json;
   outcome.resultText = described.text;
   outcome.exception = takeRaisedException();
   if (!real) {
@@ -404,16 +460,13 @@ CallOutcome callDynamic(std::string_view name, const std::vector<std::string>& a
 }
 
 std::string outcomeJson(const CallOutcome& outcome) {
-  std::string json = "{\"function\": " + json::quote(outcome.declaration) +
-                     ", \"result\": " + outcome.resultJson + ", \"exception\": ";
+  Json json{{"function", outcome.declaration}, {"result", outcome.result}, {"exception", nullptr}};
   if (outcome.exception) {
-    json += "{\"class\": " + json::quote(outcome.exception->className) +
-            ", \"message\": " + json::quote(outcome.exception->message) + "}";
-  } else {
-    json += "null";
+    json["exception"] = {{"class", outcome.exception->className},
+                         {"message", outcome.exception->message}};
   }
-  return json + ", \"leaked\": {\"strings\": " + std::to_string(outcome.leaked.strings) +
-         ", \"objects\": " + std::to_string(outcome.leaked.objects) + "}}";
+  json["leaked"] = {{"strings", outcome.leaked.strings}, {"objects", outcome.leaked.objects}};
+  return jsonText(json);
 }
 
 std::string outcomeText(const CallOutcome& outcome) {

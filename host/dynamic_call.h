@@ -7,13 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "json_text.h"
 #include "stand_in_host.h"
 
 namespace zelhost {
 
 struct CallOutcome {
   std::string declaration;
-  std::string resultJson;  // the VALUE of the result
+  Json result;             // the VALUE of the result
   std::string resultText;  // the same for a person
   std::optional<RaisedException> exception;
   LiveCounts leaked;  // alive after the host released result and arguments

@@ -2,15 +2,13 @@
 
 #include <strings.h>
 
-#include <array>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "encodings.h"
-#include "json.h"
+#include "file_bytes.h"
+#include "json_text.h"
 #include "stand_in_host.h"
 
 namespace zelhost {
@@ -37,32 +35,25 @@ std::u16string utf16Units(std::string_view bytes, std::uint32_t encoding) {
   return units;
 }
 
-// A JSON string of UTF-16 text. A surrogate half without its partner (the RTF reader gives each
-// half of a character outside the BMP a run of its own) is kept as a \u escape.
-std::string quoteUnits(std::u16string_view units) {
+// UTF-16 text as UTF-8. A surrogate half without its partner (the RTF reader gives each half of
+// a character outside the BMP a run of its own) keeps its three-byte form, which the JSON writer
+// turns into a \u escape.
+std::string unitsText(std::u16string_view units) {
   std::string text;
-  std::string quoted;
-  const auto flush = [&] {
-    const std::string part = json::quote(text);
-    quoted += part.substr(1, part.size() - 2);
-    text.clear();
-  };
   for (std::size_t i = 0; i < units.size(); ++i) {
     const char16_t unit = units[i];
     const bool high = unit >= 0xD800 && unit <= 0xDBFF;
     if (high && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF) {
       detail::appendUtf8(text, 0x10000 + ((unit - 0xD800) << 10) + (units[++i] - 0xDC00));
-    } else if (unit >= 0xD800 && unit <= 0xDFFF) {
-      flush();
-      std::array<char, 8> escape{};
-      std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(unit));
-      quoted += escape.data();
     } else {
       detail::appendUtf8(text, unit);
     }
   }
-  flush();
-  return "\"" + quoted + "\"";
+  return text;
+}
+
+std::string runText(const StyledRun& run) {
+  return unitsText(utf16Units(run.text, run.textEncoding));
 }
 
 std::string fontText(const StyledRun& run) {
@@ -70,34 +61,27 @@ std::string fontText(const StyledRun& run) {
                   : std::string();
 }
 
-std::string readFile(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw std::invalid_argument("cannot read " + file);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return std::move(bytes).str();
+const Json& asObject(const Json& value, const char* what) {
+  if (!value.is_object()) throw std::invalid_argument(std::string(what) + " must be a JSON object");
+  return value;
 }
 
-const json::Object& asObject(const json::Value& value, const char* what) {
-  const auto* object = std::get_if<std::shared_ptr<json::Object>>(&value.data);
-  if (object == nullptr) throw std::invalid_argument(std::string(what) + " must be a JSON object");
-  return **object;
-}
-
-const json::Array* arrayField(const json::Object& object, const char* name) {
-  const auto found = object.find(name);
-  if (found == object.end()) return nullptr;
-  const auto* array = std::get_if<std::shared_ptr<json::Array>>(&found->second.data);
-  if (array == nullptr) throw std::invalid_argument(std::string(name) + " must be an array");
-  return array->get();
+const Json* arrayField(const Json& object, const char* name) {
+  if (!object.contains(name)) return nullptr;
+  const Json& found = object.at(name);
+  if (!found.is_array()) throw std::invalid_argument(std::string(name) + " must be an array");
+  return &found;
 }
 
 template <class T>
-T field(const json::Object& object, const char* name, T otherwise) {
-  const auto found = object.find(name);
-  if (found == object.end()) return otherwise;
-  if (const auto* value = std::get_if<T>(&found->second.data)) return *value;
-  throw std::invalid_argument(std::string("run field ") + name + " has the wrong type");
+T field(const Json& object, const char* name, T otherwise) {
+  if (!object.contains(name)) return otherwise;
+  const Json& found = object.at(name);
+  const bool fits = std::is_same_v<T, bool>          ? found.is_boolean()
+                    : std::is_same_v<T, std::string> ? found.is_string()
+                                                     : found.is_number();
+  if (!fits) throw std::invalid_argument(std::string("run field ") + name + " has the wrong type");
+  return found.get<T>();
 }
 
 void reportLeaks(const LiveCounts& before) {
@@ -132,41 +116,34 @@ RtfDataAccess rtfDataAccess() {
 }
 
 std::string runsJson(REALobject styledText) {
-  std::string out = "{\"runs\": [";
-  const auto runs = styledRuns(styledText);
-  for (std::size_t i = 0; i < runs.size(); ++i) {
-    const StyledRun& run = runs[i];
-    out += i ? ",\n          {" : "{";
-    out += "\"text\": " + quoteUnits(utf16Units(run.text, run.textEncoding));
-    out += ", \"font\": " + (run.font ? json::quote(fontText(run)) : std::string("null"));
-    out += ", \"size\": " + std::to_string(run.size);
-    out += std::string(", \"bold\": ") + (run.bold ? "true" : "false");
-    out += std::string(", \"italic\": ") + (run.italic ? "true" : "false");
-    out += std::string(", \"underline\": ") + (run.underline ? "true" : "false");
-    out += ", \"color\": " + std::to_string(run.color) + "}";
+  Json runs = Json::array();
+  for (const StyledRun& run : styledRuns(styledText)) {
+    runs.push_back({{"text", runText(run)},
+                    {"font", run.font ? Json(fontText(run)) : Json(nullptr)},
+                    {"size", run.size},
+                    {"bold", run.bold},
+                    {"italic", run.italic},
+                    {"underline", run.underline},
+                    {"color", run.color}});
   }
-  out += "],\n \"paragraphs\": [";
-  const auto paragraphs = styledParagraphs(styledText);
-  for (std::size_t i = 0; i < paragraphs.size(); ++i) {
-    out += i ? ", " : "";
-    out += "{\"start\": " + std::to_string(paragraphs[i].start) +
-           ", \"end\": " + std::to_string(paragraphs[i].end) +
-           ", \"alignment\": " + std::to_string(paragraphs[i].alignment) + "}";
+  Json paragraphs = Json::array();
+  for (const StyledParagraph& paragraph : styledParagraphs(styledText)) {
+    paragraphs.push_back(
+        {{"start", paragraph.start}, {"end", paragraph.end}, {"alignment", paragraph.alignment}});
   }
-  return out + "]}";
+  return jsonText({{"runs", runs}, {"paragraphs", paragraphs}}, {"", "/runs"});
 }
 
 REALobject styledTextFromJson(std::string_view text) {
-  const json::Value document = json::parse(text);
-  const json::Object& top = asObject(document, "the runs JSON");
+  const Json document = parseJson(text);
+  const Json& top = asObject(document, "the runs JSON");
   std::vector<StyledRun> runs;
-  if (const json::Array* items = arrayField(top, "runs")) {
-    for (const json::Value& item : *items) {
-      const json::Object& fields = asObject(item, "a run");
+  if (const Json* items = arrayField(top, "runs")) {
+    for (const Json& item : *items) {
+      const Json& fields = asObject(item, "a run");
       StyledRun run;
       run.text = field<std::string>(fields, "text", "");
-      if (const auto font = fields.find("font");
-          font != fields.end() && !std::holds_alternative<std::nullptr_t>(font->second.data)) {
+      if (fields.contains("font") && !fields.at("font").is_null()) {
         run.font = field<std::string>(fields, "font", "");
       }
       run.size = static_cast<RBInteger>(field<double>(fields, "size", 0));
@@ -178,8 +155,8 @@ REALobject styledTextFromJson(std::string_view text) {
     }
   }
   std::vector<RBInteger> alignments;
-  if (const json::Array* items = arrayField(top, "paragraphs")) {
-    for (const json::Value& item : *items) {
+  if (const Json* items = arrayField(top, "paragraphs")) {
+    for (const Json& item : *items) {
       alignments.push_back(
           static_cast<RBInteger>(field<double>(asObject(item, "a paragraph"), "alignment", 0)));
     }
@@ -188,7 +165,7 @@ REALobject styledTextFromJson(std::string_view text) {
 }
 
 int rtfRead(const std::string& file, bool asJson, std::ostream& out) {
-  const std::string bytes = readFile(file);
+  const std::string bytes = fileBytes(file);
   const RtfDataAccess access = rtfDataAccess();
   const LiveCounts before = liveCounts();
   REALobject styledText = newInstance("StyledText");
@@ -203,8 +180,8 @@ int rtfRead(const std::string& file, bool asJson, std::ostream& out) {
       const StyledRun& run = runs[i];
       char color[8];
       std::snprintf(color, sizeof color, "%06X", static_cast<unsigned>(run.color));
-      out << "run " << i << ": " << quoteUnits(utf16Units(run.text, run.textEncoding))
-          << (run.font ? " font " + json::quote(fontText(run)) : std::string(" no font")) << ", "
+      out << "run " << i << ": " << jsonText(runText(run))
+          << (run.font ? " font " + jsonText(fontText(run)) : std::string(" no font")) << ", "
           << run.size << " pt" << (run.bold ? ", bold" : "") << (run.italic ? ", italic" : "")
           << (run.underline ? ", underline" : "") << ", colour #" << color << "\n";
     }
@@ -220,7 +197,7 @@ int rtfRead(const std::string& file, bool asJson, std::ostream& out) {
 }
 
 int rtfWrite(const std::string& file, bool skipParagraphs, std::ostream& out) {
-  const std::string description = readFile(file);
+  const std::string description = fileBytes(file);
   const RtfDataAccess access = rtfDataAccess();
   const LiveCounts before = liveCounts();
   REALobject styledText = styledTextFromJson(description);
