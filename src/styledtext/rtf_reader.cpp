@@ -33,6 +33,47 @@ struct GroupState {
   bool underline = false;
 };
 
+// The open groups' states. Groups opened without a change of their own share one entry, so that
+// deep nesting costs no memory per level until a level changes its style.
+class GroupStack {
+ public:
+  bool empty() const { return levels_.empty(); }
+
+  // The innermost group's state, or the default state outside every group.
+  const GroupState& top() const {
+    static const GroupState kNoGroup;
+    return levels_.empty() ? kNoGroup : levels_.back().state;
+  }
+
+  void open() {
+    if (levels_.empty()) {
+      levels_.push_back({GroupState{}, 1});
+    } else {
+      ++levels_.back().depth;
+    }
+  }
+
+  void close() {
+    if (--levels_.back().depth == 0) levels_.pop_back();
+  }
+
+  // The innermost group's own state, to change; not empty.
+  GroupState& changeTop() {
+    if (levels_.back().depth > 1) {
+      --levels_.back().depth;
+      levels_.push_back({levels_.back().state, 1});
+    }
+    return levels_.back().state;
+  }
+
+ private:
+  struct Shared {
+    GroupState state;
+    std::size_t depth;  // how many nested groups hold this state unchanged
+  };
+  std::vector<Shared> levels_;
+};
+
 // The style captured when text first needs a run; later changes do not reach it.
 struct PendingRun {
   std::size_t font;
@@ -240,7 +281,7 @@ class Reader {
       switch (in_.peek()) {
         case '{':
           in_.advance();
-          groups_.push_back(top());
+          groups_.open();
           if (skipDepth_ > 0) ++skipDepth_;
           afterOpenBrace_ = true;
           continue;
@@ -251,7 +292,7 @@ class Reader {
             return;
           }
           flush();
-          groups_.pop_back();
+          groups_.close();
           if (skipDepth_ > 0) --skipDepth_;
           break;
         case '\r':
@@ -273,10 +314,7 @@ class Reader {
   }
 
  private:
-  const GroupState& top() const {
-    static const GroupState kNoGroup;
-    return groups_.empty() ? kNoGroup : groups_.back();
-  }
+  const GroupState& top() const { return groups_.top(); }
 
   void makeRun() {
     if (run_) return;
@@ -381,7 +419,7 @@ class Reader {
         break;
     }
     flush();
-    GroupState& group = groups_.back();
+    GroupState& group = groups_.changeTop();
     const bool on = word.parameter != 0;
     switch (*action) {
       case WordAction::kCodePage:
@@ -523,7 +561,7 @@ class Reader {
 
   Cursor in_;
   StyledTextSink& sink_;
-  std::vector<GroupState> groups_;
+  GroupStack groups_;
   std::vector<std::string> fontNames_{std::string()};
   std::map<std::int64_t, std::size_t> fontTable_;
   std::vector<Rgb> colorTable_;

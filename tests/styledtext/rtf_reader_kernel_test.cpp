@@ -174,7 +174,11 @@ INSTANTIATE_TEST_SUITE_P(
         ReadCase{"TextOutsideGroupsAfterLastBrace", "{\\rtf1 a}b}c", {"a", "b"}},
         ReadCase{"UnclosedGroupsFlushAtEnd", "{\\rtf1 a{\\b b", {"a", "b b"}},
         ReadCase{
-            "GroupsRestoreStyle", "{\\rtf1 a{\\i b{\\b c}d}e}", {"a", "b i", "c b i", "d i", "e"}}),
+            "GroupsRestoreStyle", "{\\rtf1 a{\\i b{\\b c}d}e}", {"a", "b i", "c b i", "d i", "e"}},
+        // Groups that change nothing share their parent's state until one of them changes it.
+        ReadCase{"NestedPlainGroupsRestoreStyle",
+                 "{\\rtf1 {{\\b{{\\i a}b}{\\ul c}}d}{{e}\\fs8 f}g}",
+                 {"a b i", "b b", "c b u", "d", "e", "f s4", "g"}}),
     [](const auto& test) { return test.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
