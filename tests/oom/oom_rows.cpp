@@ -467,9 +467,12 @@ std::vector<Row> rowsWithInput(const std::string& label) {
   std::vector<Row> rows = allRows();
   const std::vector<Input> inputs = textInputs();
   std::erase_if(rows, [&](const Row& row) {
-    return std::any_of(inputs.begin(), inputs.end(), [&](const Input& input) {
+    const bool otherInput = std::any_of(inputs.begin(), inputs.end(), [&](const Input& input) {
       return input.label != label && row.name.ends_with("_" + input.label);
     });
+    const bool otherLongRow =
+        !row.name.ends_with(label) && row.name.find("_long") != std::string::npos;
+    return otherInput || otherLongRow;
   });
   return rows;
 }

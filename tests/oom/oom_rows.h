@@ -37,7 +37,7 @@ struct Row {
 void PrintTo(const Row& row, std::ostream* out);
 
 std::vector<Row> allRows();
-// The rows of one text input (by its label), and every row that takes no text input.
+// The rows of one text input (by its label), and the short rows of every other input.
 std::vector<Row> rowsWithInput(const std::string& label);
 
 // Empty when `failed` is the normal outcome or one that `onFailure` documents; else what is wrong.
