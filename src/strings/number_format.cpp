@@ -3,12 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <new>
 #include <string_view>
+
+#include "framework/out_of_memory_error.h"
 
 namespace zel::strings {
 namespace {
 
 constexpr std::size_t kMaxTextLength = 499;
+// The zero-filled work buffer that a failed allocation reports.
+constexpr std::size_t kWorkBufferBytes = kMaxTextLength + 1;
 constexpr int kFixedPrecision = 99;
 constexpr std::size_t kKeptSignificantCharacters = 15;
 constexpr std::size_t kShortestTrimmedText = 3;
@@ -48,7 +53,11 @@ std::string printCapped(double value, Format... format) {
   std::array<char, 1024> buffer{};
   const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format...);
   const auto length = static_cast<std::size_t>(result.ptr - buffer.data());
-  return std::string(buffer.data(), std::min(length, kMaxTextLength));
+  try {
+    return std::string(buffer.data(), std::min(length, kMaxTextLength));
+  } catch (const std::bad_alloc&) {
+    throw OutOfMemoryError::forBytes(kWorkBufferBytes);
+  }
 }
 
 }  // namespace

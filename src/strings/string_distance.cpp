@@ -14,6 +14,8 @@ namespace zel::strings {
 namespace {
 
 constexpr std::size_t kWordBits = 64;
+// The match flags carry four spare bytes, which a failed allocation reports in its count.
+constexpr std::size_t kMatchFlagSlack = 4;
 
 template <typename T>
 std::vector<T> allocateScratch(std::size_t count, T initial = T{}) {
@@ -30,16 +32,17 @@ class MatchVectors {
  public:
   explicit MatchVectors(std::u16string_view pattern)
       : words_((pattern.size() + kWordBits - 1) / kWordBits) {
-    std::vector<char16_t> units(pattern.begin(), pattern.end());
+    auto units = allocateScratch<char16_t>(pattern.size());
+    std::copy(pattern.begin(), pattern.end(), units.begin());
     std::sort(units.begin(), units.end());
     units.erase(std::unique(units.begin(), units.end()), units.end());
-    for (const char16_t unit : units) {
-      if (unit < lowSlots_.size()) {
-        lowSlots_[unit] = static_cast<std::uint32_t>(++lowCount_);
-      } else {
-        highUnits_.push_back(unit);
-      }
+    const auto firstHigh =
+        std::lower_bound(units.begin(), units.end(), static_cast<char16_t>(lowSlots_.size()));
+    for (auto unit = units.begin(); unit != firstHigh; ++unit) {
+      lowSlots_[*unit] = static_cast<std::uint32_t>(++lowCount_);
     }
+    highUnits_ = allocateScratch<char16_t>(static_cast<std::size_t>(units.end() - firstHigh));
+    std::copy(firstHigh, units.end(), highUnits_.begin());
     bits_ = allocateScratch<std::uint64_t>((units.size() + 1) * words_);
     for (std::size_t i = 0; i < pattern.size(); ++i) {
       bits_[slotOf(pattern[i]) * words_ + i / kWordBits] |= std::uint64_t{1} << (i % kWordBits);
@@ -256,8 +259,8 @@ double shortJaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) 
 double jaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) {
   const std::size_t n = a.size(), m = b.size();
   const std::size_t window = matchWindow(n, m);
-  auto matchedA = allocateScratch<char>(n);
-  auto matchedB = allocateScratch<char>(m);
+  auto matchedA = allocateScratch<char>(n + kMatchFlagSlack);
+  auto matchedB = allocateScratch<char>(m + kMatchFlagSlack);
   PositionsByUnit positions(b);
 
   std::size_t matches = 0;
