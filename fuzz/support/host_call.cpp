@@ -66,7 +66,7 @@ constexpr std::array kExtremeDoubles = {0.0,
 constexpr std::int64_t kSmallIntegerMin = -4;
 constexpr std::int64_t kSmallIntegerMax = 300;
 constexpr std::int64_t kWideIntegerLimit = 70000;
-constexpr std::int64_t kSizeLimit = 1024;
+constexpr std::int64_t kSizeLimit = 256;
 constexpr RBInteger kMaxBlockWithoutData = 64;
 
 template <std::size_t N, class T>
