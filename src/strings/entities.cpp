@@ -82,44 +82,6 @@ constexpr bool byKeyThenRow(const NameKey& a, const NameKey& b) {
   return a.key < b.key || (a.key == b.key && a.row < b.row);
 }
 
-constexpr std::size_t kNameCharacters = [] {
-  std::size_t total = 0;
-  for (const auto& entry : kHtmlEntities) total += entry.name.size();
-  return total;
-}();
-
-constexpr auto kAllPrefixes = [] {
-  std::array<NameKey, kNameCharacters> keys{};
-  std::size_t n = 0;
-  for (std::size_t row = 0; row < kHtmlEntities.size(); ++row) {
-    const std::string_view name = kHtmlEntities[row].name;
-    for (std::size_t length = 1; length <= name.size(); ++length) {
-      keys[n++] = {packName(name.substr(0, length)), static_cast<std::uint16_t>(row)};
-    }
-  }
-  std::ranges::sort(keys, byKeyThenRow);
-  return keys;
-}();
-
-constexpr bool startsNewKey(std::size_t i) {
-  return i == 0 || kAllPrefixes[i].key != kAllPrefixes[i - 1].key;
-}
-
-constexpr std::size_t kDistinctPrefixes = [] {
-  std::size_t count = 0;
-  for (std::size_t i = 0; i < kAllPrefixes.size(); ++i) count += startsNewKey(i) ? 1 : 0;
-  return count;
-}();
-
-constexpr auto kPrefixIndex = [] {
-  std::array<NameKey, kDistinctPrefixes> index{};
-  std::size_t n = 0;
-  for (std::size_t i = 0; i < kAllPrefixes.size(); ++i) {
-    if (startsNewKey(i)) index[n++] = kAllPrefixes[i];
-  }
-  return index;
-}();
-
 constexpr auto kWholeNameIndex = [] {
   std::array<NameKey, kHtmlEntities.size()> index{};
   for (std::size_t row = 0; row < kHtmlEntities.size(); ++row) {
@@ -128,6 +90,58 @@ constexpr auto kWholeNameIndex = [] {
   std::ranges::sort(index, byKeyThenRow);
   return index;
 }();
+
+// Packed keys order names as text does, a prefix before its extensions. So the names in key order
+// list every distinct prefix in key order, each name adding the prefixes longer than what it
+// shares with the name before it; and the names that have a prefix follow the one that added it.
+// This keeps the index cheap to build at compile time, with no sort of all prefixes.
+constexpr std::string_view nameInKeyOrder(std::size_t i) {
+  return kHtmlEntities[kWholeNameIndex[i].row].name;
+}
+
+constexpr std::size_t sharedLength(std::string_view a, std::string_view b) {
+  std::size_t n = 0;
+  while (n < a.size() && n < b.size() && a[n] == b[n]) ++n;
+  return n;
+}
+
+constexpr std::size_t firstNewPrefixLength(std::size_t i) {
+  return i == 0 ? 1 : sharedLength(nameInKeyOrder(i - 1), nameInKeyOrder(i)) + 1;
+}
+
+constexpr std::uint16_t firstRowWithPrefix(std::size_t i, std::string_view prefix) {
+  std::uint16_t row = kWholeNameIndex[i].row;
+  for (std::size_t j = i + 1;
+       j < kWholeNameIndex.size() && nameInKeyOrder(j).substr(0, prefix.size()) == prefix; ++j) {
+    row = std::min(row, kWholeNameIndex[j].row);
+  }
+  return row;
+}
+
+constexpr std::size_t kDistinctPrefixes = [] {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < kWholeNameIndex.size(); ++i) {
+    count += nameInKeyOrder(i).size() + 1 - firstNewPrefixLength(i);
+  }
+  return count;
+}();
+
+constexpr auto kPrefixIndex = [] {
+  std::array<NameKey, kDistinctPrefixes> index{};
+  std::size_t n = 0;
+  for (std::size_t i = 0; i < kWholeNameIndex.size(); ++i) {
+    const std::string_view name = nameInKeyOrder(i);
+    for (std::size_t length = firstNewPrefixLength(i); length <= name.size(); ++length) {
+      const std::string_view prefix = name.substr(0, length);
+      index[n++] = {packName(prefix), firstRowWithPrefix(i, prefix)};
+    }
+  }
+  return index;
+}();
+
+static_assert(std::ranges::adjacent_find(kPrefixIndex, std::ranges::greater_equal{},
+                                         &NameKey::key) == kPrefixIndex.end(),
+              "prefix keys must ascend strictly");
 
 static_assert(std::ranges::adjacent_find(kWholeNameIndex, {}, &NameKey::key) ==
                   kWholeNameIndex.end(),

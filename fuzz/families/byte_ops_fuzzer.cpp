@@ -1,0 +1,39 @@
+// Byte-string operations through the host.
+#include <array>
+#include <string_view>
+
+#include "support/family_fuzzer.h"
+
+namespace {
+
+constexpr std::array<std::string_view, 17> kFunctions = {"StringANDZEL",
+                                                         "StringORZEL",
+                                                         "StringXORZEL",
+                                                         "StringXOR2ZEL",
+                                                         "ConcatBinaryStringsZEL",
+                                                         "InStrBytesZEL",
+                                                         "InStrByteRangeZEL",
+                                                         "StrCompBytesZEL",
+                                                         "CreateStringZEL",
+                                                         "ClearStringContentZEL",
+                                                         "RandomBytesStringZEL",
+                                                         "IsASCIIStringZEL",
+                                                         "ReplaceNonPrintableCharactersZEL",
+                                                         "DetectUnicodeMarkersZEL",
+                                                         "GetUnicodeMarkersZEL",
+                                                         "UnicodeStringZEL",
+                                                         "NativeStringZEL"};
+constexpr std::array<std::string_view, 1> kSizeParameters = {"length"};
+constexpr std::array kExceptions = {zelfuzz::kAllocationFailure};
+constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  zelfuzz::loadPlugin();
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return zelfuzz::fuzzFamily(kFamily, data, size);
+}
