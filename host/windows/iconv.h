@@ -18,8 +18,10 @@ struct CodePageName {
   const char* name;
   UINT codePage;
 };
+inline constexpr UINT kAscii = 20127;
+inline constexpr UINT kWindowsLatin1 = 1252;
 inline constexpr CodePageName kCodePages[] = {
-    {"ASCII", 20127}, {"ISO-8859-1", 28591}, {"CP1252", 1252}, {"MACINTOSH", 10000}};
+    {"ASCII", kAscii}, {"ISO-8859-1", 28591}, {"CP1252", kWindowsLatin1}, {"MACINTOSH", 10000}};
 
 // The code page is the handle; bit 31 keeps a valid handle from ever being null.
 inline constexpr std::uintptr_t kHandleMark = 0x80000000U;
@@ -43,9 +45,17 @@ inline std::size_t iconv(iconv_t converter, char** in, std::size_t* inLeft, char
   if (in == nullptr || *in == nullptr) return 0;  // reset: no shift state here
   const auto codePage = static_cast<UINT>(reinterpret_cast<std::uintptr_t>(converter) &
                                           ~zelhost::windows_iconv::kHandleMark);
+  using namespace zelhost::windows_iconv;
   while (*inLeft > 0) {
     wchar_t unit = 0;
-    if (MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, *in, 1, &unit, 1) != 1) {
+    const auto byte = static_cast<unsigned char>(**in);
+    // Windows passes these bytes through where glibc's tables leave them undefined: ASCII above
+    // 127, and the five holes of code page 1252 that would decode to C1 controls.
+    const bool undefined =
+        (codePage == kAscii && byte > 0x7F) ||
+        (MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, *in, 1, &unit, 1) != 1) ||
+        (codePage == kWindowsLatin1 && unit >= 0x80 && unit <= 0x9F);
+    if (undefined) {
       errno = EILSEQ;
       return kFailed;
     }
