@@ -1,15 +1,11 @@
 #include "registration.h"
 
-#include <dlfcn.h>
-#include <unistd.h>
-
 #include <atomic>
-#include <cstdlib>
-#include <filesystem>
 #include <mutex>
 #include <stdexcept>
 
 #include "objects.h"
+#include "os.h"
 #include "service_table.h"
 #include "stand_in_host.h"
 
@@ -40,22 +36,6 @@ void append(std::vector<RegisteredMember> members) {
   const std::lock_guard lock(registrationMutex);
   for (RegisteredMember& member : members) current.members.push_back(std::move(member));
   ++generation;
-}
-
-// A private copy per load: the dynamic loader hands back the already loaded instance for a path
-// it has seen, and each test wants a fresh plug-in state.
-std::string privateCopy(const std::string& path) {
-  std::string name = (std::filesystem::temp_directory_path() / "zelhost-plugin-XXXXXX.so").string();
-  const int descriptor = mkstemps(name.data(), 3);
-  if (descriptor < 0) throw std::runtime_error("cannot create a copy of " + path);
-  close(descriptor);
-  std::error_code error;
-  std::filesystem::copy_file(path, name, std::filesystem::copy_options::overwrite_existing, error);
-  if (error) {
-    std::filesystem::remove(name);
-    throw std::runtime_error("cannot copy " + path + ": " + error.message());
-  }
-  return name;
 }
 
 }  // namespace
@@ -130,13 +110,9 @@ const HostConfig& config() {
 }
 
 const Registration& loadPlugin(const std::string& path) {
-  const std::string copy = detail::privateCopy(path);
-  // Never closed: the host keeps pointers into the plug-in's records.
-  void* library = dlopen(copy.c_str(), RTLD_NOW | RTLD_LOCAL);
-  std::filesystem::remove(copy);
-  if (library == nullptr) throw std::runtime_error("cannot load " + path + ": " + dlerror());
+  void* library = os::loadFreshLibrary(path);
   using Entry = void (*)(REALresolver);
-  auto entry = reinterpret_cast<Entry>(dlsym(library, "REALPluginMain"));
+  auto entry = reinterpret_cast<Entry>(os::findSymbol(library, "REALPluginMain"));
   if (entry == nullptr) throw std::runtime_error(path + " exports no REALPluginMain");
   {
     const std::lock_guard lock(detail::registrationMutex);

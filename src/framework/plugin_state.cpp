@@ -84,13 +84,7 @@ void setHostVersionForTesting(double hostVersion) noexcept {
 
 }  // namespace zel
 
-extern "C"
-#if defined(_WIN32)
-    __declspec(dllexport)
-#else
-    __attribute__((visibility("default")))
-#endif
-        void REALPluginMain(REALresolver resolver) {
+extern "C" ZEL_EXPORT void REALPluginMain(REALresolver resolver) {
   using namespace zel;
   gState.resolver = resolver;
   if (resolver != nullptr) {

@@ -7,6 +7,7 @@
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
 #include "sdk/host_types.h"
+#include "sdk/plugin_export.h"
 
 namespace zel {
 
@@ -40,4 +41,4 @@ namespace zel::detail {
 void setHostVersionForTesting(double hostVersion) noexcept;
 }  // namespace zel::detail
 
-extern "C" void REALPluginMain(REALresolver resolver);
+extern "C" ZEL_EXPORT void REALPluginMain(REALresolver resolver);

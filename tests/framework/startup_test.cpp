@@ -3,12 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <string>
+#include <vector>
 
 #include "stand_in_host.h"
+#include "support/environment.h"
+#include "support/library_exports.h"
 
 namespace {
 
@@ -17,16 +17,13 @@ using ::testing::ElementsAre;
 using ::testing::Not;
 
 std::vector<std::string> loadWithDebugSwitch(const char* value, bool inRuntime) {
-  if (value != nullptr)
-    setenv("ZELDEBUG", value, 1);
-  else
-    unsetenv("ZELDEBUG");
+  zeltest::setEnvironmentVariable("ZELDEBUG", value);
   zelhost::configure({.version = 2019.01, .inRuntime = inRuntime});
   zelhost::captureLog(true);
   zelhost::loadPlugin(ZEL_PLUGIN_PATH);
   auto captured = zelhost::capturedLog();
   zelhost::captureLog(false);
-  unsetenv("ZELDEBUG");
+  zeltest::setEnvironmentVariable("ZELDEBUG", nullptr);
   return captured;
 }
 
@@ -61,20 +58,15 @@ TEST(Startup, LoadingLineOnlyInTheIdeWithTheSwitchOn) {
 }
 
 TEST(Library, ExportsOnlyTheEntryPoint) {
-  const std::string command = std::string("nm -D --defined-only '") + ZEL_PLUGIN_PATH + "'";
-  std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-  ASSERT_TRUE(pipe);
-  std::vector<std::string> symbols;
-  char line[512];
-  while (std::fgets(line, sizeof line, pipe.get()) != nullptr) {
-    std::string text(line);
-    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-    const auto name = text.substr(text.find_last_of(' ') + 1);
-    const char kind = text.size() > 17 ? text[17] : '?';
-    // Absolute and version-definition entries are linker bookkeeping, not exports.
-    if (kind != 'A') symbols.push_back(name);
-  }
-  EXPECT_THAT(symbols, ElementsAre("REALPluginMain"));
+  EXPECT_THAT(zeltest::exportedSymbols(ZEL_PLUGIN_PATH), ElementsAre("REALPluginMain"));
 }
+
+#if defined(_WIN32)
+// Users' applications ship the DLL alone: it may need nothing beyond the system and msvcrt.
+TEST(Library, ImportsOnlySystemLibraries) {
+  EXPECT_THAT(zeltest::importedLibraries(ZEL_PLUGIN_PATH),
+              ::testing::UnorderedElementsAre("kernel32.dll", "msvcrt.dll"));
+}
+#endif
 
 }  // namespace

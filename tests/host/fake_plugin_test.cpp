@@ -85,6 +85,8 @@ TEST_F(FakePluginFixture, MemoryBlocksArraysAndExceptionsThroughCalls) {
   EXPECT_EQ(raised->errorNumber, 7);
 }
 
+// Dynamic calls need libffi, present where zelhost is built.
+#if defined(ZELHOST_PATH)
 TEST_F(FakePluginFixture, DynamicCallsChooseOverloadsAndCountLeaks) {
   const struct {
     const char* name;
@@ -132,6 +134,7 @@ TEST_F(FakePluginFixture, DynamicCallsChooseOverloadsAndCountLeaks) {
   }
   EXPECT_EQ(zelhost::call<RBInteger>("UnleakZEL"), 1);
 }
+#endif
 
 TEST_F(FakePluginFixture, LogLinesOfThePluginAreCaptured) {
   zelhost::captureLog(true);

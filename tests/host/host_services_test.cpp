@@ -3,6 +3,7 @@
 #include <string>
 
 #include "host_test_support.h"
+#include "platform/platform.h"
 
 namespace zeltest {
 namespace {
@@ -180,13 +181,13 @@ TEST_F(HostFixture, StringArrays) {
 TEST_F(HostFixture, LogCaptureTakesEveryLineEvenWhenLarge) {
   zelhost::captureLog(true);
   const std::string longLine(100000, 'x');
-  for (int i = 0; i < 200; ++i) std::fprintf(stderr, "ZEL Debug: %d %s\n", i, longLine.c_str());
-  std::fflush(stderr);
+  for (int i = 0; i < 200; ++i)
+    zel::platform::debuggerOutput(("ZEL Debug: " + std::to_string(i) + " " + longLine).c_str());
   auto lines = zelhost::capturedLog();
   ASSERT_EQ(lines.size(), 200u);
   EXPECT_EQ(lines[199], "ZEL Debug: 199 " + longLine);
   zelhost::captureLog(true);
-  std::fprintf(stderr, "again\n");
+  zel::platform::debuggerOutput("again");
   EXPECT_EQ(zelhost::capturedLog(), std::vector<std::string>{"again"});
   zelhost::captureLog(false);
   EXPECT_TRUE(zelhost::capturedLog().empty());

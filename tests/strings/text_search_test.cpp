@@ -226,9 +226,11 @@ TEST_F(TextSearchTest, ReadableStringsOfNoDataAreNil) {
             nullptr);
   EXPECT_EQ(zelhost::call<REALarray>(kStringsBlock, REALobject{nullptr}, RBInteger{0}), nullptr);
   EXPECT_EQ(zelhost::call<REALarray>(kStringsString, REALstring{nullptr}, RBInteger{0}), nullptr);
+#if defined(ZELHOST_PATH)  // dynamic calls need libffi, present where zelhost is built
   // Each item is a UTF-8 string.
   EXPECT_THAT(zelhost::callJson("GetStringsFromDataZEL", {"mem:41424300c3a9"}),
               testing::HasSubstr(R"("result": [{"encoding": 134217984, "hex": "414243")"));
+#endif
 }
 
 std::vector<REALstring> repairedOfEveryForm(std::string data, RBInteger size, REALstring filler) {

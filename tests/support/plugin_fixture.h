@@ -10,6 +10,7 @@
 #include <string>
 
 #include "stand_in_host.h"
+#include "support/environment.h"
 
 namespace zelhost {
 inline void PrintTo(const LiveCounts& counts, std::ostream* out) {
@@ -41,11 +42,11 @@ template <class Fixture = PluginFixture>
 class DebugSwitchOn : public Fixture {
  protected:
   void SetUp() override {
-    setenv("ZELDEBUG", "1", 1);
+    setEnvironmentVariable("ZELDEBUG", "1");
     Fixture::SetUp();
   }
   void TearDown() override {
-    unsetenv("ZELDEBUG");
+    setEnvironmentVariable("ZELDEBUG", nullptr);
     Fixture::TearDown();
   }
 };

@@ -5,7 +5,9 @@
 #include <cstring>
 #include <string>
 
+#include "platform/platform.h"
 #include "sdk/host_types.h"
+#include "sdk/plugin_export.h"
 
 namespace {
 
@@ -138,8 +140,7 @@ RBInteger unleak() {
 
 RBInteger log(REALstring s) {
   const std::string text = utf8Of(s);
-  std::fprintf(stderr, "ZEL Debug: %s\n", text.c_str());
-  std::fflush(stderr);
+  zel::platform::debuggerOutput(("ZEL Debug: " + text).c_str());
   return static_cast<RBInteger>(text.size());
 }
 
@@ -213,7 +214,7 @@ REALmoduleDefinition module{};
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolver hostResolver) {
+extern "C" ZEL_EXPORT void REALPluginMain(REALresolver hostResolver) {
   resolver = hostResolver;
   const double version = use<service::REALGetRBVersion>("REALGetRBVersion")();
   use<service::RegisterPluginVersion>("RegisterPluginVersion")(version >= 2013.04 ? 13 : 9);
