@@ -40,4 +40,8 @@ namespace zel::detail {
 void setHostVersionForTesting(double hostVersion) noexcept;
 }  // namespace zel::detail
 
-extern "C" void REALPluginMain(REALresolver resolver);
+extern "C"
+#if defined(_WIN32)
+    __declspec(dllexport)
+#endif
+        void REALPluginMain(REALresolver resolver);

@@ -6,7 +6,6 @@
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
-#include <process.h>
 #include <windows.h>
 #elif defined(__APPLE__)
 #include <pthread.h>
@@ -15,7 +14,7 @@
 #include <unistd.h>
 #else
 #include <strings.h>
-#include <sys/random.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #endif
 
@@ -57,7 +56,8 @@ void secureRandomBytes(std::span<std::uint8_t> bytes) noexcept {
 #else
   std::size_t filled = 0;
   while (filled < bytes.size()) {
-    const ssize_t got = getrandom(bytes.data() + filled, bytes.size() - filled, 0);
+    // The system call, not the glibc 2.25 wrapper: the shipped library loads on older glibc.
+    const long got = syscall(SYS_getrandom, bytes.data() + filled, bytes.size() - filled, 0);
     if (got <= 0) {
       fillFromRand(bytes.subspan(filled));
       return;
@@ -84,13 +84,13 @@ std::uint32_t currentThreadId() noexcept {
   pthread_threadid_np(nullptr, &id);
   return static_cast<std::uint32_t>(id);
 #else
-  return static_cast<std::uint32_t>(gettid());
+  return static_cast<std::uint32_t>(syscall(SYS_gettid));  // gettid() needs glibc 2.30
 #endif
 }
 
 std::uint32_t currentProcessId() noexcept {
 #if defined(_WIN32)
-  return static_cast<std::uint32_t>(_getpid());
+  return static_cast<std::uint32_t>(GetCurrentProcessId());  // arm64 runtimes lack _getpid
 #else
   return static_cast<std::uint32_t>(getpid());
 #endif
