@@ -1,0 +1,4 @@
+set(CMAKE_SYSTEM_PROCESSOR arm64)
+set(ZEL_ZIG_ARCH aarch64)
+set(ZEL_MACOS_MIN 11.0)
+include(${CMAKE_CURRENT_LIST_DIR}/macos.cmake)

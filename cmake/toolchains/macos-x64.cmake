@@ -1,0 +1,4 @@
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(ZEL_ZIG_ARCH x86_64)
+set(ZEL_MACOS_MIN 10.13)
+include(${CMAKE_CURRENT_LIST_DIR}/macos.cmake)

@@ -1,0 +1,5 @@
+# Windows arm64 through Zig's MinGW target.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR ARM64)
+set(ZEL_ZIG_TARGET aarch64-windows-gnu)
+include(${CMAKE_CURRENT_LIST_DIR}/zig.cmake)
