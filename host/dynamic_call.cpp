@@ -85,6 +85,7 @@ std::optional<int> fit(const Parameter& parameter, std::string_view arg) {
     case CType::String:
       return stringForm(arg) ? std::optional(0) : std::nullopt;
     case CType::Integer:
+      return parseNumber<RBInteger>(arg) ? std::optional(0) : std::nullopt;
     case CType::Color:
       return parseNumber<std::int64_t>(arg) ? std::optional(0) : std::nullopt;
     case CType::Double:
@@ -180,12 +181,16 @@ Choice choose(std::string_view name, const std::vector<std::string>& args) {
   throw std::invalid_argument("no overload of " + std::string(name) + " fits the arguments");
 }
 
+// RBInteger is as wide as a pointer: 64-bit on 64-bit targets, 32-bit on 32-bit ones.
+ffi_type* const kRBIntegerType =
+    sizeof(RBInteger) == sizeof(std::int64_t) ? &ffi_type_sint64 : &ffi_type_sint32;
+
 ffi_type* ffiType(CType type) {
   switch (type) {
     case CType::Void:
       return &ffi_type_void;
     case CType::Integer:
-      return &ffi_type_sint64;
+      return kRBIntegerType;
     case CType::Boolean:
       return &ffi_type_sint8;
     case CType::Double:
@@ -205,7 +210,7 @@ ffi_type* ffiType(CType type) {
 struct Argument {
   union {
     void* pointer;
-    std::int64_t integer;
+    RBInteger integer;
     std::int8_t boolean;
     double real;
     std::uint32_t color;
@@ -225,7 +230,7 @@ Argument makeArgument(const Parameter& parameter, const std::string& arg) {
       break;
     }
     case CType::Integer:
-      argument.value.integer = *parseNumber<std::int64_t>(arg);
+      argument.value.integer = *parseNumber<RBInteger>(arg);
       break;
     case CType::Color:
       argument.value.color = static_cast<std::uint32_t>(*parseNumber<std::int64_t>(arg));
@@ -288,7 +293,7 @@ Described describeResult(CType type, const ffi_arg& raw, double real) {
       out = {"null", ""};
       break;
     case CType::Integer:
-      out.json = out.text = std::to_string(static_cast<std::int64_t>(raw));
+      out.json = out.text = std::to_string(static_cast<RBInteger>(raw));
       break;
     case CType::Color:
       out.json = out.text = std::to_string(static_cast<std::uint32_t>(raw));

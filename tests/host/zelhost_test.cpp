@@ -35,6 +35,7 @@ TEST(ZelhostTest, CommandsAndExitStatus) {
       {"call --json AddZEL 1", "", 0,
        "{\"function\": \"AddZEL(a as Integer, b as Integer = 2) as Integer\", \"result\": 3, "
        "\"exception\": null, \"leaked\": {\"strings\": 0, \"objects\": 0}}\n"},
+      {"call AddZEL -5", "", 0, "-3\n"},  // a negative Integer result keeps its sign
       {"call UpperZEL text:abc", "", 0, "ABC (UTF-8)\n"},
       {"call EchoZEL hex:ff", "", 0, "hex:ff (no encoding)\n"},
       {"call FailZEL why", "", 0, "nil\nexception OutOfBoundsException: why\n"},
