@@ -122,6 +122,7 @@ Fit fit(const Parameter& parameter, std::string_view arg) {
     case CType::String:
       return {0, stringFault(arg)};
     case CType::Integer:
+      return {0, parseNumber<RBInteger>(arg) ? "" : "wants a decimal integer"};
     case CType::Color:
       return {0, parseNumber<std::int64_t>(arg) ? "" : "wants a decimal integer"};
     case CType::Double:
@@ -250,12 +251,16 @@ Choice choose(std::string_view name, const std::vector<std::string>& args) {
                               " fits the arguments; there are:" + candidateLines(tried));
 }
 
+// RBInteger is as wide as a pointer: 64-bit on 64-bit targets, 32-bit on 32-bit ones.
+ffi_type* const kRBIntegerType =
+    sizeof(RBInteger) == sizeof(std::int64_t) ? &ffi_type_sint64 : &ffi_type_sint32;
+
 ffi_type* ffiType(CType type) {
   switch (type) {
     case CType::Void:
       return &ffi_type_void;
     case CType::Integer:
-      return &ffi_type_sint64;
+      return kRBIntegerType;
     case CType::Boolean:
       return &ffi_type_sint8;
     case CType::Double:
@@ -275,7 +280,7 @@ ffi_type* ffiType(CType type) {
 struct Argument {
   union {
     void* pointer;
-    std::int64_t integer;
+    RBInteger integer;
     std::int8_t boolean;
     double real;
     std::uint32_t color;
@@ -295,7 +300,7 @@ Argument makeArgument(const Parameter& parameter, const std::string& arg) {
       break;
     }
     case CType::Integer:
-      argument.value.integer = *parseNumber<std::int64_t>(arg);
+      argument.value.integer = *parseNumber<RBInteger>(arg);
       break;
     case CType::Color:
       argument.value.color = static_cast<std::uint32_t>(*parseNumber<std::int64_t>(arg));
@@ -365,7 +370,7 @@ Described describeResult(CType type, const ffi_arg& raw, double real) {
     case CType::Void:
       return {nullptr, ""};
     case CType::Integer:
-      return {static_cast<std::int64_t>(raw), std::to_string(static_cast<std::int64_t>(raw))};
+      return {static_cast<RBInteger>(raw), std::to_string(static_cast<RBInteger>(raw))};
     case CType::Color:
       return {static_cast<std::uint32_t>(raw), std::to_string(static_cast<std::uint32_t>(raw))};
     case CType::Boolean: {

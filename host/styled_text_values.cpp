@@ -74,7 +74,8 @@ REALobject makeStyledText(const std::vector<StyledRun>& runs,
     set(run, "Bold", PropertyType::Boolean, {values.bold, nullptr});
     set(run, "Italic", PropertyType::Boolean, {values.italic, nullptr});
     set(run, "Underline", PropertyType::Boolean, {values.underline, nullptr});
-    set(run, "TextColor", PropertyType::Color, {values.color, nullptr});
+    // Where RBInteger is 32-bit a color keeps its bits through the signed slot.
+    set(run, "TextColor", PropertyType::Color, {static_cast<RBInteger>(values.color), nullptr});
     append(styledText, run);
     release(run);
   }

@@ -15,7 +15,8 @@
 namespace zel {
 namespace {
 
-constexpr RBInteger kMaxBuildCount = RBInteger{1} << 31;
+// The host takes a 32-bit count. Compared in 64 bits, since a 32-bit RBInteger never reaches it.
+constexpr std::int64_t kMaxBuildCount = std::int64_t{1} << 31;
 // Old hosts' UTF-32 path converts short texts without touching the allocator.
 constexpr std::size_t kLocalCodePoints = 200;
 
@@ -70,7 +71,7 @@ REALstring REALBuildUnicodeString(const void* data, RBInteger byteCount,
                                   std::uint32_t encoding) noexcept {
   return guarded([&]() -> REALstring {
     if (data == nullptr || byteCount <= 0) return nullptr;
-    if (byteCount >= kMaxBuildCount) {
+    if (std::int64_t{byteCount} >= kMaxBuildCount) {
       if (debugEnabled()) debugLogLabel("Count too big for REALBuildUnicodeString.");
       return nullptr;
     }

@@ -169,7 +169,12 @@ struct REALstringData {
   std::uint32_t hostPrivate2;
 };
 
+// One set of declarations serves every target. On 64-bit targets a 32-bit field is padded to 8;
+// on 32-bit targets pointers, size_t and RBInteger are all 4 bytes, so every record is its field
+// count times 4 and the 64-bit sizes (a 48-byte method row, a 216-byte module record with its
+// flags at 192) have no 32-bit counterpart beyond what this C layout gives.
 #if INTPTR_MAX == INT64_MAX
+static_assert(sizeof(RBInteger) == 8);
 static_assert(sizeof(REALattribute) == 16);
 static_assert(sizeof(REALmethodDefinition) == 48, "method rows are registered as 48-byte records");
 static_assert(sizeof(REALproperty) == 96);
@@ -180,9 +185,28 @@ static_assert(sizeof(REALdelegate) == 32);
 static_assert(sizeof(REALstructure) == 48);
 static_assert(sizeof(REALenum) == 56);
 static_assert(sizeof(REALclassDefinition) == 232);
+static_assert(offsetof(REALclassDefinition, mFlags) == 160);
 static_assert(sizeof(REALmoduleDefinition) == 216);
 static_assert(offsetof(REALmoduleDefinition, mFlags) == 192);
 static_assert(sizeof(REALstringData) == 40);
+#elif INTPTR_MAX == INT32_MAX
+static_assert(sizeof(RBInteger) == 4);
+static_assert(sizeof(REALattribute) == 8);
+static_assert(sizeof(REALmethodDefinition) == 24, "method rows are registered as 24-byte records");
+static_assert(sizeof(REALproperty) == 48);
+static_assert(sizeof(REALevent) == 16);
+static_assert(sizeof(REALeventInstance) == 8);
+static_assert(sizeof(REALconstant) == 20);
+static_assert(sizeof(REALdelegate) == 16);
+static_assert(sizeof(REALstructure) == 24);
+static_assert(sizeof(REALenum) == 28);
+static_assert(sizeof(REALclassDefinition) == 116);
+static_assert(offsetof(REALclassDefinition, mFlags) == 80);
+static_assert(sizeof(REALmoduleDefinition) == 108);
+static_assert(offsetof(REALmoduleDefinition, mFlags) == 96);
+static_assert(sizeof(REALstringData) == 20);
+#else
+#error "host records are laid out for 32-bit and 64-bit targets only"
 #endif
 
 namespace encoding {

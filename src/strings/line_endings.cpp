@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <new>
+#include <string>
 
 #include "strings/word_scan.h"
 
@@ -34,6 +36,17 @@ const char* convertUntil(const char* read, const char* stop, const char* end,
   return read;
 }
 
+// Sized in 64 bits, since the product wraps around a 32-bit size_t; a size no string can hold
+// is an allocation failure there, as it is where the allocator refuses it.
+std::size_t reservationFor(std::size_t textSize, std::size_t newLineSize) {
+  constexpr std::uint64_t kBytesPerExpectedLine = 50;
+  constexpr std::uint64_t kExtraLines = 1000;
+  const std::uint64_t lines = std::uint64_t{textSize} / kBytesPerExpectedLine + kExtraLines;
+  const std::uint64_t limit = std::string().max_size();
+  if (newLineSize != 0 && lines > (limit - textSize) / newLineSize) throw std::bad_alloc();
+  return static_cast<std::size_t>(textSize + lines * newLineSize);
+}
+
 bool isYieldAddress(const char* p) {
   return (reinterpret_cast<std::uintptr_t>(p) & (kLineEndingYieldStride - 1)) == 0;
 }
@@ -43,7 +56,7 @@ bool isYieldAddress(const char* p) {
 std::string replaceLineEndings(std::string_view text, std::string_view newLine, bool yield,
                                const std::function<void()>& yieldToHost) {
   std::string out;
-  out.reserve(text.size() + (text.size() / 50 + 1000) * newLine.size());
+  out.reserve(reservationFor(text.size(), newLine.size()));
   const char* read = text.data();
   const char* const end = read + text.size();
   while (read < end) {

@@ -73,6 +73,8 @@ TEST(ZelhostTest, CommandsAndExitStatus) {
        "{\"function\": \"AddZEL(a as Integer, b as Integer = 2) as Integer\", \"result\": 3, "
        "\"exception\": null, \"leaked\": {\"strings\": 0, \"objects\": 0}}\n",
        ""},
+      // A negative Integer result keeps its sign where Integer is 32 bits wide.
+      {kFake, "call AddZEL -5", "", 0, "-3\n", ""},
       {kFake, "call UpperZEL text:abc", "", 0, "ABC (UTF-8)\n", ""},
       {kFake, "call EchoZEL hex:ff", "", 0, "hex:ff (no encoding)\n", ""},
       {kFake, "call FailZEL why", "", 0, "nil\nexception OutOfBoundsException: why\n", ""},
