@@ -6,8 +6,8 @@
 #include <new>
 #include <vector>
 
-#include "strings/decomposition_table.h"
 #include "framework/out_of_memory_error.h"
+#include "strings/decomposition_table.h"
 
 namespace zel::strings {
 namespace {

@@ -75,7 +75,8 @@ using Len = RBInteger (*)(REALstring);
 RBInteger hostLen(REALstring s) noexcept {
   static constinit LazyAddress<Len> lenMethod;
   const Len len = lenMethod.get([]() noexcept {
-    return reinterpret_cast<Len>(host::REALLoadGlobalMethod(nullptr, "Len(s as string) as integer"));
+    return reinterpret_cast<Len>(
+        host::REALLoadGlobalMethod(nullptr, "Len(s as string) as integer"));
   });
   return len != nullptr ? len(s) : 0;
 }
