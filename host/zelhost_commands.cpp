@@ -16,6 +16,7 @@
 #include "json_text.h"
 #include "near_names.h"
 #include "rtf_commands.h"
+#include "strings/decomposition_table.h"
 
 namespace zelhost::cli {
 namespace {
@@ -223,6 +224,8 @@ int version(const Invocation& invocation) {
   std::array<char, 32> hostVersion{};
   const auto written = std::to_chars(hostVersion.data(), hostVersion.data() + hostVersion.size(),
                                      invocation.host.version);
+  // The tables come from the same sources as the plug-in built beside zelhost.
+  std::cout << "\nUnicode data: " << zel::strings::decompositionUnicodeVersion;
   std::cout << "\nhost: " << std::string_view(hostVersion.data(), written.ptr) << ", "
             << (invocation.host.inRuntime ? "built application" : "development environment")
             << "\n";

@@ -146,11 +146,11 @@ TEST(ZelhostTest, MessagesOfTheRealPlugin) {
       {kReal, "demo", "", 0, "     U+0065 U+0301 -> U+00E9\n", ""},
       {kReal, "demo", "", 0, "  -> [0] ABC (UTF-8)\n     [1] Def (UTF-8)\n", ""},
       {kReal, "--version", "", 0,
-       "plug-in: $$ Plugin version: 26.0 (2026) $$, SDK level 13\nhost: 2025.03, built "
-       "application\n",
+       "plug-in: $$ Plugin version: 26.0 (2026) $$, SDK level 13\nUnicode data: 15.0.0\nhost: "
+       "2025.03, built application\n",
        ""},
       {kReal, "--host-version 2012.5 --ide version", "", 0,
-       "SDK level 10\nhost: 2012.5, development environment\n", ""},
+       "SDK level 10\nUnicode data: 15.0.0\nhost: 2012.5, development environment\n", ""},
       {kFake, "--version", "", 0, "plug-in: no version banner, SDK level 13\n", ""},
       {"/nonexistent/plugin.so", "list", "", 1, "",
        "zelhost: cannot load the plug-in /nonexistent/plugin.so: no such file\n"},
