@@ -275,47 +275,47 @@ constexpr std::size_t indexOf(WordAction action) {
 // A word without a number switches its attribute on.
 constexpr std::array<StyleSetter, indexOf(WordAction::kCount)> kStyleSetters = [] {
   std::array<StyleSetter, indexOf(WordAction::kCount)> setters{};
-  setters[indexOf(WordAction::kCodePage)] = [](StyleTarget& t, std::int64_t p) {
-    t.group.encoding = encodingForCodePage(p);
+  setters[indexOf(WordAction::kCodePage)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.encoding = encodingForCodePage(value);
   };
-  setters[indexOf(WordAction::kAnsi)] = [](StyleTarget& t, std::int64_t) {
-    t.group.encoding = kEncodingWindowsLatin1;
+  setters[indexOf(WordAction::kAnsi)] = [](StyleTarget& target, std::int64_t) {
+    target.group.encoding = kEncodingWindowsLatin1;
   };
-  setters[indexOf(WordAction::kMac)] = [](StyleTarget& t, std::int64_t) {
-    t.group.encoding = kEncodingMacRoman;
+  setters[indexOf(WordAction::kMac)] = [](StyleTarget& target, std::int64_t) {
+    target.group.encoding = kEncodingMacRoman;
   };
-  setters[indexOf(WordAction::kBold)] = [](StyleTarget& t, std::int64_t p) {
-    t.group.bold = p != 0;
+  setters[indexOf(WordAction::kBold)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.bold = value != 0;
   };
-  setters[indexOf(WordAction::kItalic)] = [](StyleTarget& t, std::int64_t p) {
-    t.group.italic = p != 0;
+  setters[indexOf(WordAction::kItalic)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.italic = value != 0;
   };
-  setters[indexOf(WordAction::kUnderline)] = [](StyleTarget& t, std::int64_t p) {
-    t.group.underline = p != 0;
+  setters[indexOf(WordAction::kUnderline)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.underline = value != 0;
   };
-  setters[indexOf(WordAction::kUnderlineNone)] = [](StyleTarget& t, std::int64_t) {
-    t.group.underline = false;
+  setters[indexOf(WordAction::kUnderlineNone)] = [](StyleTarget& target, std::int64_t) {
+    target.group.underline = false;
   };
-  setters[indexOf(WordAction::kColor)] = [](StyleTarget& t, std::int64_t p) {
-    t.group.color = p >= 0 && static_cast<std::uint64_t>(p) < t.colors.size()
-                        ? t.colors[static_cast<std::size_t>(p)]
-                        : Rgb{};
+  setters[indexOf(WordAction::kColor)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.color = value >= 0 && static_cast<std::uint64_t>(value) < target.colors.size()
+                             ? target.colors[static_cast<std::size_t>(value)]
+                             : Rgb{};
   };
-  setters[indexOf(WordAction::kFont)] = [](StyleTarget& t, std::int64_t p) {
-    const auto entry = t.fonts.find(p);
-    t.group.font = entry != t.fonts.end() ? entry->second : 0;
+  setters[indexOf(WordAction::kFont)] = [](StyleTarget& target, std::int64_t value) {
+    const auto entry = target.fonts.find(value);
+    target.group.font = entry != target.fonts.end() ? entry->second : 0;
   };
-  setters[indexOf(WordAction::kAlignCentre)] = [](StyleTarget& t, std::int64_t) {
-    t.alignment = kAlignCentre;
+  setters[indexOf(WordAction::kAlignCentre)] = [](StyleTarget& target, std::int64_t) {
+    target.alignment = kAlignCentre;
   };
-  setters[indexOf(WordAction::kAlignRight)] = [](StyleTarget& t, std::int64_t) {
-    t.alignment = kAlignRight;
+  setters[indexOf(WordAction::kAlignRight)] = [](StyleTarget& target, std::int64_t) {
+    target.alignment = kAlignRight;
   };
-  setters[indexOf(WordAction::kAlignLeft)] = [](StyleTarget& t, std::int64_t) {
-    t.alignment = kAlignLeft;
+  setters[indexOf(WordAction::kAlignLeft)] = [](StyleTarget& target, std::int64_t) {
+    target.alignment = kAlignLeft;
   };
-  setters[indexOf(WordAction::kFontSize)] = [](StyleTarget& t, std::int64_t p) {
-    t.group.size = p / 2;
+  setters[indexOf(WordAction::kFontSize)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.size = value / 2;
   };
   return setters;
 }();
