@@ -2,6 +2,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
@@ -316,84 +317,49 @@ void* address(Function* function) {
   return reinterpret_cast<void*>(function);
 }
 
+// In the order of the Service enumeration.
 void* serviceAddress(Service service) {
-  switch (service) {
-    case Service::REALBuildString:
-      return address(&REALBuildString);
-    case Service::REALBuildStringWithEncoding:
-      return address(&REALBuildStringWithEncoding);
-    case Service::REALConvertString:
-      return address(&REALConvertString);
-    case Service::REALGetStringEncoding:
-      return address(&REALGetStringEncoding);
-    case Service::REALSetStringEncoding:
-      return address(&REALSetStringEncoding);
-    case Service::PluginGetStringData:
-      return address(&PluginGetStringData);
-    case Service::PluginDisposeStringData:
-      return address(&PluginDisposeStringData);
-    case Service::StringGetCString:
-      return address(&StringGetCString);
-    case Service::REALLockString:
-      return address(&REALLockString);
-    case Service::REALUnlockString:
-      return address(&REALUnlockString);
-    case Service::RuntimeStringCompare:
-      return address(&RuntimeStringCompare);
-    case Service::REALLockObject:
-      return address(&REALLockObject);
-    case Service::REALUnlockObject:
-      return address(&REALUnlockObject);
-    case Service::PluginNewInstance:
-      return address(&PluginNewInstance);
-    case Service::REALLoadObjectMethod:
-      return address(&REALLoadObjectMethod);
-    case Service::REALLoadGlobalMethod:
-      return address(&REALLoadGlobalMethod);
-    case Service::REALGetPropValueBool:
-      return address(&REALGetPropValueBool);
-    case Service::REALGetPropValueColor:
-      return address(&REALGetPropValueColor);
-    case Service::REALGetPropValueInteger:
-      return address(&REALGetPropValueInteger);
-    case Service::REALGetPropValueString:
-      return address(&REALGetPropValueString);
-    case Service::REALSetPropValueBoolean:
-      return address(&REALSetPropValueBoolean);
-    case Service::REALSetPropValueInteger:
-      return address(&REALSetPropValueInteger);
-    case Service::REALSetPropValueString:
-      return address(&REALSetPropValueString);
-    case Service::REALSetPropValueUInt32:
-      return address(&REALSetPropValueUInt32);
-    case Service::RuntimeRaiseException:
-      return address(&RuntimeRaiseException);
-    case Service::RuntimeArrayCreateSingleDimBoundedArray:
-      return address(&RuntimeArrayCreateSingleDimBoundedArray);
-    case Service::RuntimeUBound:
-      return address(&RuntimeUBound);
-    case Service::PluginStringArrayInsertProc:
-      return address(&PluginStringArrayInsertProc);
-    case Service::PluginCallFunctionWithExceptionHandler:
-      return address(&PluginCallFunctionWithExceptionHandler);
-    case Service::REALYieldToRB:
-      return address(&REALYieldToRB);
-    case Service::REALinRuntime:
-      return address(&REALinRuntime);
-    case Service::PluginRegisterClassExtension:
-      return address(&PluginRegisterClassExtension);
-    case Service::PluginRegisterMethod:
-      return address(&PluginRegisterMethod);
-    case Service::PluginRegisterModule:
-      return address(&PluginRegisterModule);
-    case Service::REALGetRBVersion:
-      return address(&REALGetRBVersion);
-    case Service::RegisterPluginVersion:
-      return address(&RegisterPluginVersion);
-    case Service::Count:
-      break;
-  }
-  return nullptr;
+  static const auto kAddresses = std::to_array<void*>({
+      address(&REALBuildString),
+      address(&REALBuildStringWithEncoding),
+      address(&REALConvertString),
+      address(&REALGetStringEncoding),
+      address(&REALSetStringEncoding),
+      address(&PluginGetStringData),
+      address(&PluginDisposeStringData),
+      address(&StringGetCString),
+      address(&REALLockString),
+      address(&REALUnlockString),
+      address(&RuntimeStringCompare),
+      address(&REALLockObject),
+      address(&REALUnlockObject),
+      address(&PluginNewInstance),
+      address(&REALLoadObjectMethod),
+      address(&REALLoadGlobalMethod),
+      address(&REALGetPropValueBool),
+      address(&REALGetPropValueColor),
+      address(&REALGetPropValueInteger),
+      address(&REALGetPropValueString),
+      address(&REALSetPropValueBoolean),
+      address(&REALSetPropValueInteger),
+      address(&REALSetPropValueString),
+      address(&REALSetPropValueUInt32),
+      address(&RuntimeRaiseException),
+      address(&RuntimeArrayCreateSingleDimBoundedArray),
+      address(&RuntimeUBound),
+      address(&PluginStringArrayInsertProc),
+      address(&PluginCallFunctionWithExceptionHandler),
+      address(&REALYieldToRB),
+      address(&REALinRuntime),
+      address(&PluginRegisterClassExtension),
+      address(&PluginRegisterMethod),
+      address(&PluginRegisterModule),
+      address(&REALGetRBVersion),
+      address(&RegisterPluginVersion),
+  });
+  static_assert(std::tuple_size_v<decltype(kAddresses)> == kServiceCount);
+  const auto index = static_cast<std::size_t>(service);
+  return index < kAddresses.size() ? kAddresses[index] : nullptr;
 }
 
 }  // namespace

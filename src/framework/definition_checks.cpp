@@ -238,21 +238,60 @@ bool partNameMissing(const char* owner) noexcept {
   return true;
 }
 
+struct PrologueMessages {
+  const char* nil;
+  const char* wrongVersion;
+  const char* noName;
+};
+
+constexpr PrologueMessages kClassMessages{
+    "Error: A class extension registered is nil.",
+    "Error: The class extension %s has the wrong kCurrentREALControlVersion: %d vs. %d",
+    "Error: A class extension without name."};
+
+constexpr PrologueMessages kModuleMessages{
+    "Error: A module registered is nil.",
+    "Error: The module %s has the wrong kCurrentREALControlVersion: %d vs. %d",
+    "Error: A module without name."};
+
+// The checks every definition starts with. Returns the name to report under, or nullptr when
+// the rest cannot be checked.
+template <class Definition, class VersionAccepted>
+const char* checkPrologue(const Definition* definition, const PrologueMessages& messages,
+                          VersionAccepted versionAccepted) noexcept {
+  if (definition == nullptr) {
+    debugLogFinding("%s", messages.nil);
+    return nullptr;
+  }
+  if (partNameMissing(definition->name)) return nullptr;
+  if (!versionAccepted(definition->version))
+    debugLogFinding(messages.wrongVersion, orEmpty(definition->name),
+                    static_cast<int>(definition->version),
+                    static_cast<int>(kCurrentREALControlVersion));
+  if (definition->name == nullptr) debugLogFinding("%s", messages.noName);
+  return orEmpty(definition->name);
+}
+
+void checkClassConsoleSafety(const REALclassDefinition& c) noexcept {
+  const bool safe = consoleSafe(c.mFlags);
+  checkConsoleSafeMethods("Console-safe method in console-unsafe class:", safe,
+                          rowsOf(c.methods, c.methodCount));
+  checkConsoleSafeMethods("Console-safe shared method in console-unsafe class:", safe,
+                          rowsOf(c.sharedMethods, c.sharedMethodCount));
+  checkConsoleSafeProperties("Console-safe property in console-unsafe class:", safe,
+                             rowsOf(c.properties, c.propertyCount));
+  checkConsoleSafeProperties("Console-safe shared property in console-unsafe class:", safe,
+                             rowsOf(c.sharedProperties, c.sharedPropertyCount));
+}
+
 }  // namespace
 
 void checkClassExtension(const REALclassDefinition* definition) noexcept {
-  if (definition == nullptr) {
-    debugLogFinding("Error: A class extension registered is nil.");
-    return;
-  }
-  if (partNameMissing(definition->name)) return;
+  const char* name = checkPrologue(definition, kClassMessages, [](std::uint32_t version) {
+    return version == kCurrentREALControlVersion;
+  });
+  if (name == nullptr) return;
   const REALclassDefinition& c = *definition;
-  if (c.version != kCurrentREALControlVersion)
-    debugLogFinding(
-        "Error: The class extension %s has the wrong kCurrentREALControlVersion: %d vs. %d",
-        orEmpty(c.name), static_cast<int>(c.version), static_cast<int>(kCurrentREALControlVersion));
-  if (c.name == nullptr) debugLogFinding("Error: A class extension without name.");
-  const char* name = orEmpty(c.name);
   if (c.superName != nullptr)
     debugLogFinding("Error: A class extension can't have super name: %s", c.superName);
   if (c.dataSize != 0)
@@ -303,32 +342,17 @@ void checkClassExtension(const REALclassDefinition* definition) noexcept {
   if (std::islower(static_cast<unsigned char>(name[0])))
     debugLogFinding("Error: The class extension name %s does not start with capital letter.", name);
 
-  const bool safe = consoleSafe(c.mFlags);
-  checkConsoleSafeMethods("Console-safe method in console-unsafe class:", safe,
-                          rowsOf(c.methods, c.methodCount));
-  checkConsoleSafeMethods("Console-safe shared method in console-unsafe class:", safe,
-                          rowsOf(c.sharedMethods, c.sharedMethodCount));
-  checkConsoleSafeProperties("Console-safe property in console-unsafe class:", safe,
-                             rowsOf(c.properties, c.propertyCount));
-  checkConsoleSafeProperties("Console-safe shared property in console-unsafe class:", safe,
-                             rowsOf(c.sharedProperties, c.sharedPropertyCount));
+  checkClassConsoleSafety(c);
   checkPropertyOffsets(name, rowsOf(c.properties, c.propertyCount), c.dataSize);
 }
 
 void checkModule(const REALmoduleDefinition* definition) noexcept {
-  if (definition == nullptr) {
-    debugLogFinding("Error: A module registered is nil.");
-    return;
-  }
-  if (partNameMissing(definition->name)) return;
+  const char* name = checkPrologue(definition, kModuleMessages, [](std::uint32_t version) {
+    return version == kCurrentREALControlVersion ||
+           version == static_cast<std::uint32_t>(pluginState().sdkLevel);
+  });
+  if (name == nullptr) return;
   const REALmoduleDefinition& m = *definition;
-  if (m.version != kCurrentREALControlVersion &&
-      m.version != static_cast<std::uint32_t>(pluginState().sdkLevel))
-    debugLogFinding("Error: The module %s has the wrong kCurrentREALControlVersion: %d vs. %d",
-                    orEmpty(m.name), static_cast<int>(m.version),
-                    static_cast<int>(kCurrentREALControlVersion));
-  if (m.name == nullptr) debugLogFinding("Error: A module without name.");
-  const char* name = orEmpty(m.name);
 
   reportDisagreement("Error: The module %s has the wrong propertyCount value: %d", name,
                      m.properties, m.propertyCount);

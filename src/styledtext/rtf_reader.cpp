@@ -33,6 +33,7 @@ struct GroupState {
   bool underline = false;
 };
 
+// The style captured when text first needs a run; later changes do not reach it.
 // The open groups' states. Groups opened without a change of their own share one entry, so that
 // deep nesting costs no memory per level until a level changes its style.
 class GroupStack {
@@ -74,7 +75,6 @@ class GroupStack {
   std::vector<Shared> levels_;
 };
 
-// The style captured when text first needs a run; later changes do not reach it.
 struct PendingRun {
   std::size_t font;
   std::int64_t size;
@@ -89,8 +89,13 @@ struct ControlWord {
   std::int64_t parameter = kNoParameter;
 };
 
+// Destination words come first; the rest change the current group's style.
 enum class WordAction : std::uint8_t {
   kIgnore,
+  kUnicode,
+  kFontTable,
+  kColorTable,
+  kParagraph,
   kCodePage,
   kAnsi,
   kMac,
@@ -98,16 +103,13 @@ enum class WordAction : std::uint8_t {
   kItalic,
   kUnderline,
   kUnderlineNone,
-  kUnicode,
-  kFontTable,
-  kColorTable,
   kColor,
   kFont,
-  kParagraph,
   kAlignCentre,
   kAlignRight,
   kAlignLeft,
   kFontSize,
+  kCount,
 };
 
 struct KnownWord {
@@ -270,6 +272,95 @@ class Cursor {
   std::size_t at_ = 0;
 };
 
+// Brace nesting, and how deep inside a destination being skipped the scanner is.
+class GroupNesting {
+ public:
+  void open() {
+    ++depth_;
+    if (skipDepth_ > 0) ++skipDepth_;
+    afterOpenBrace_ = true;
+  }
+  // False for a closing brace without an open group; nothing changes then.
+  bool close() {
+    if (depth_ == 0) return false;
+    --depth_;
+    if (skipDepth_ > 0) --skipDepth_;
+    return true;
+  }
+  // Everything but an opening brace ends the "right after a brace" position.
+  void endToken() { afterOpenBrace_ = false; }
+  bool afterOpenBrace() const { return afterOpenBrace_; }
+  bool skipping() const { return skipDepth_ > 0; }
+  void skipCurrentGroup() { skipDepth_ = 1; }
+
+ private:
+  std::size_t depth_ = 0;
+  std::int64_t skipDepth_ = 0;
+  bool afterOpenBrace_ = false;
+};
+
+// What a style word may change: the current group, or the document-wide paragraph alignment.
+struct StyleTarget {
+  GroupState& group;
+  std::int64_t& alignment;
+  const std::vector<Rgb>& colors;
+  const std::map<std::int64_t, std::size_t>& fonts;
+};
+
+using StyleSetter = void (*)(StyleTarget& target, std::int64_t parameter);
+
+constexpr std::size_t indexOf(WordAction action) {
+  return static_cast<std::size_t>(action);
+}
+
+// A word without a number switches its attribute on.
+constexpr std::array<StyleSetter, indexOf(WordAction::kCount)> kStyleSetters = [] {
+  std::array<StyleSetter, indexOf(WordAction::kCount)> setters{};
+  setters[indexOf(WordAction::kCodePage)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.encoding = encodingForCodePage(value);
+  };
+  setters[indexOf(WordAction::kAnsi)] = [](StyleTarget& target, std::int64_t) {
+    target.group.encoding = kEncodingWindowsLatin1;
+  };
+  setters[indexOf(WordAction::kMac)] = [](StyleTarget& target, std::int64_t) {
+    target.group.encoding = kEncodingMacRoman;
+  };
+  setters[indexOf(WordAction::kBold)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.bold = value != 0;
+  };
+  setters[indexOf(WordAction::kItalic)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.italic = value != 0;
+  };
+  setters[indexOf(WordAction::kUnderline)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.underline = value != 0;
+  };
+  setters[indexOf(WordAction::kUnderlineNone)] = [](StyleTarget& target, std::int64_t) {
+    target.group.underline = false;
+  };
+  setters[indexOf(WordAction::kColor)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.color = value >= 0 && static_cast<std::uint64_t>(value) < target.colors.size()
+                             ? target.colors[static_cast<std::size_t>(value)]
+                             : Rgb{};
+  };
+  setters[indexOf(WordAction::kFont)] = [](StyleTarget& target, std::int64_t value) {
+    const auto entry = target.fonts.find(value);
+    target.group.font = entry != target.fonts.end() ? entry->second : 0;
+  };
+  setters[indexOf(WordAction::kAlignCentre)] = [](StyleTarget& target, std::int64_t) {
+    target.alignment = kAlignCentre;
+  };
+  setters[indexOf(WordAction::kAlignRight)] = [](StyleTarget& target, std::int64_t) {
+    target.alignment = kAlignRight;
+  };
+  setters[indexOf(WordAction::kAlignLeft)] = [](StyleTarget& target, std::int64_t) {
+    target.alignment = kAlignLeft;
+  };
+  setters[indexOf(WordAction::kFontSize)] = [](StyleTarget& target, std::int64_t value) {
+    target.group.size = value / 2;
+  };
+  return setters;
+}();
+
 class Reader {
  public:
   Reader(std::string_view rtf, StyledTextSink& sink) : in_(rtf), sink_(sink) {
@@ -282,18 +373,13 @@ class Reader {
         case '{':
           in_.advance();
           groups_.open();
-          if (skipDepth_ > 0) ++skipDepth_;
-          afterOpenBrace_ = true;
+          nesting_.open();
           continue;
         case '}':
           in_.advance();
-          if (groups_.empty()) {
-            flush();
-            return;
-          }
           flush();
+          if (!nesting_.close()) return;
           groups_.close();
-          if (skipDepth_ > 0) --skipDepth_;
           break;
         case '\r':
         case '\n':
@@ -308,7 +394,7 @@ class Reader {
           addText(in_.takeText());
           break;
       }
-      afterOpenBrace_ = false;
+      nesting_.endToken();
     }
     flush();
   }
@@ -328,7 +414,7 @@ class Reader {
   }
 
   void addText(std::string_view text) {
-    if (skipDepth_ > 0) return;
+    if (nesting_.skipping()) return;
     makeRun();
     pending_.append(text);
   }
@@ -376,12 +462,12 @@ class Reader {
     }
     if (in_.nextIs('\r') || in_.nextIs('\n')) {
       in_.takeLineBreak();
-      if (skipDepth_ == 0) makeRun();
+      if (!nesting_.skipping()) makeRun();
       pending_ += '\r';
       flush();
       return;
     }
-    const ControlWord word = in_.takeControlWord(afterOpenBrace_);
+    const ControlWord word = in_.takeControlWord(nesting_.afterOpenBrace());
     applyWord(word);
   }
 
@@ -390,81 +476,38 @@ class Reader {
       if (word.parameter > 0) in_.advance(static_cast<std::size_t>(word.parameter));
       return;
     }
-    if (groups_.empty() || skipDepth_ > 0) return;
+    if (groups_.empty() || nesting_.skipping()) return;
     const std::optional<WordAction> action = actionFor(word.word);
     if (!action) {
-      if (afterOpenBrace_) skipDepth_ = 1;
+      if (nesting_.afterOpenBrace()) nesting_.skipCurrentGroup();
       return;
     }
-    switch (*action) {
-      case WordAction::kIgnore:
-        return;
+    if (const StyleSetter setter = kStyleSetters[indexOf(*action)]) {
+      flush();
+      StyleTarget target{groups_.changeTop(), alignment_, colorTable_, fontTable_};
+      setter(target, word.parameter);
+      return;
+    }
+    applyDestinationWord(*action, word.parameter);
+  }
+
+  void applyDestinationWord(WordAction action, std::int64_t parameter) {
+    switch (action) {
       case WordAction::kFontTable:
         readFontTable();
         pending_.clear();
-        return;
+        break;
       case WordAction::kColorTable:
         readColorTable();
         pending_.clear();
-        return;
+        break;
       case WordAction::kUnicode:
-        addUnit(word.parameter);
-        return;
+        addUnit(parameter);
+        break;
       case WordAction::kParagraph:
         makeRun();
         pending_ += '\r';
         flush();
-        return;
-      default:
-        break;
-    }
-    flush();
-    GroupState& group = groups_.changeTop();
-    const bool on = word.parameter != 0;
-    switch (*action) {
-      case WordAction::kCodePage:
-        group.encoding = encodingForCodePage(word.parameter);
-        break;
-      case WordAction::kAnsi:
-        group.encoding = kEncodingWindowsLatin1;
-        break;
-      case WordAction::kMac:
-        group.encoding = kEncodingMacRoman;
-        break;
-      case WordAction::kBold:
-        group.bold = on;
-        break;
-      case WordAction::kItalic:
-        group.italic = on;
-        break;
-      case WordAction::kUnderline:
-        group.underline = on;
-        break;
-      case WordAction::kUnderlineNone:
-        group.underline = false;
-        break;
-      case WordAction::kColor:
-        group.color =
-            word.parameter >= 0 && static_cast<std::uint64_t>(word.parameter) < colorTable_.size()
-                ? colorTable_[static_cast<std::size_t>(word.parameter)]
-                : Rgb{};
-        break;
-      case WordAction::kFont: {
-        const auto entry = fontTable_.find(word.parameter);
-        group.font = entry != fontTable_.end() ? entry->second : 0;
-        break;
-      }
-      case WordAction::kAlignCentre:
-        alignment_ = kAlignCentre;
-        break;
-      case WordAction::kAlignRight:
-        alignment_ = kAlignRight;
-        break;
-      case WordAction::kAlignLeft:
-        alignment_ = kAlignLeft;
-        break;
-      case WordAction::kFontSize:
-        group.size = word.parameter / 2;
         break;
       default:
         break;
@@ -473,33 +516,28 @@ class Reader {
 
   // Entries "{\fN ... name;}"; the table's own closing brace is consumed here, with one delimiter.
   void readFontTable() {
-    std::int64_t depth = 0;
-    std::int64_t skipDepth = 0;
+    GroupNesting nesting;
     std::int64_t index = 0;
     std::string name;
     bool nameDone = false;
-    bool afterBrace = false;
     while (!in_.atEnd()) {
       const char c = in_.peek();
       if (c == '{') {
         in_.advance();
-        ++depth;
-        if (skipDepth > 0) ++skipDepth;
-        afterBrace = true;
+        nesting.open();
         continue;
       }
-      const bool braceBefore = afterBrace;
-      afterBrace = false;
+      const bool braceBefore = nesting.afterOpenBrace();
+      nesting.endToken();
       if (c == '}') {
         in_.advance();
-        if (--depth < 0) {
+        if (!nesting.close()) {
           in_.takeDelimiter();
           return;
         }
-        if (skipDepth > 0) --skipDepth;
         continue;
       }
-      if (skipDepth > 0) {
+      if (nesting.skipping()) {
         in_.advance();
         continue;
       }
@@ -516,7 +554,7 @@ class Reader {
           index = word.parameter;
           nameDone = false;
         } else if (braceBefore) {
-          skipDepth = 1;
+          nesting.skipCurrentGroup();
         }
         continue;
       }
@@ -568,8 +606,7 @@ class Reader {
   std::string pending_;
   std::optional<PendingRun> run_;
   std::int64_t alignment_ = kAlignDefault;
-  std::int64_t skipDepth_ = 0;
-  bool afterOpenBrace_ = false;
+  GroupNesting nesting_;
 };
 
 }  // namespace

@@ -199,26 +199,47 @@ TEST(AsciiKernel, ModesAndReplacement) {
   EXPECT_EQ(replaceNonPrintable("\n", 0x12A), "*");
 }
 
-TEST(UnicodeMarkerKernel, DetectAndProduce) {
+TEST(UnicodeMarkerKernel, DetectsTheMarkThatStartsRealText) {
   struct Case {
     std::string bytes;
     int kind;
   };
   const std::vector<Case> cases = {
-      {"\xFF\xFE\x41\0"s, 4}, {"\xFF\xFE\0\0"s, 7}, {"\0\0\xFE\xFF"s, 6}, {"\xEF\xBB\xBF", 1},
-      {"\xFE\xFF", 3},        {"\xFF", 0},          {"\xEF\xBB", 0},      {"\0\0\xFE"s, 0}};
+      {"\xEF\xBB\xBFhi", 1},
+      {"\xFE\xFF\0h\0i"s, 3},
+      {"\xFF\xFEh\0i\0"s, 4},
+      {"\0\0\xFE\xFF\0\0\0h"s, 6},
+      {"\xFF\xFE\0\0h\0\0\0"s, 7},
+      // UTF-16LE text that starts with U+0000 cannot be told from UTF-32LE.
+      {"\xFF\xFE\0\0h\0"s, 7},
+      {"\xFF\xFE\0h"s, 4},
+      {"h\xEF\xBB\xBF", 0},
+      {"\xEF\xBB", 0},
+      {"\0\0\xFE"s, 0},
+      {"\xFE\xFE", 0},
+      {"", 0},
+  };
   for (const auto& c : cases) EXPECT_EQ(detectUnicodeMarker(c.bytes), c.kind) << c.kind;
+}
 
-  const std::vector<std::tuple<int, std::string, UnicodeForm>> marks = {
-      {1, "\xEF\xBB\xBF", UnicodeForm::utf8},   {2, "\xFF\xFE", UnicodeForm::utf16},
-      {3, "\xFE\xFF", UnicodeForm::utf16},      {4, "\xFF\xFE", UnicodeForm::utf16},
-      {5, "\xFF\xFE\0\0"s, UnicodeForm::utf32}, {6, "\0\0\xFE\xFF"s, UnicodeForm::utf32},
-      {7, "\xFF\xFE\0\0"s, UnicodeForm::utf32}};
-  for (const auto& [kind, bytes, form] : marks) {
-    const auto marker = unicodeMarker(kind);
-    ASSERT_TRUE(marker) << kind;
-    EXPECT_EQ(marker->bytes, bytes) << kind;
-    EXPECT_EQ(marker->form, form) << kind;
+TEST(UnicodeMarkerKernel, ProducedMarksAreDetectedAsTheirKind) {
+  struct Case {
+    int kind;
+    int detected;  // the little-endian aliases 2 and 5 read back as 4 and 7
+    UnicodeForm form;
+    std::size_t unitBytes;
+  };
+  const Case cases[] = {
+      {1, 1, UnicodeForm::utf8, 3},  {2, 4, UnicodeForm::utf16, 2}, {3, 3, UnicodeForm::utf16, 2},
+      {4, 4, UnicodeForm::utf16, 2}, {5, 7, UnicodeForm::utf32, 4}, {6, 6, UnicodeForm::utf32, 4},
+      {7, 7, UnicodeForm::utf32, 4},
+  };
+  for (const auto& c : cases) {
+    const auto marker = unicodeMarker(c.kind);
+    ASSERT_TRUE(marker) << c.kind;
+    EXPECT_EQ(detectUnicodeMarker(marker->bytes), c.detected) << c.kind;
+    EXPECT_EQ(marker->form, c.form) << c.kind;
+    EXPECT_EQ(marker->bytes.size(), c.unitBytes) << c.kind;
   }
   for (const int kind : {0, 8, -1}) EXPECT_FALSE(unicodeMarker(kind)) << kind;
 }
