@@ -10,6 +10,7 @@
 
 #include "calls.h"
 #include "encodings.h"
+#include "ffi_types.h"
 #include "host_strings.h"
 #include "json_text.h"
 #include "near_names.h"
@@ -251,31 +252,6 @@ Choice choose(std::string_view name, const std::vector<std::string>& args) {
                               " fits the arguments; there are:" + candidateLines(tried));
 }
 
-// RBInteger is as wide as a pointer: 64-bit on 64-bit targets, 32-bit on 32-bit ones.
-ffi_type* const kRBIntegerType =
-    sizeof(RBInteger) == sizeof(std::int64_t) ? &ffi_type_sint64 : &ffi_type_sint32;
-
-ffi_type* ffiType(CType type) {
-  switch (type) {
-    case CType::Void:
-      return &ffi_type_void;
-    case CType::Integer:
-      return kRBIntegerType;
-    case CType::Boolean:
-      return &ffi_type_sint8;
-    case CType::Double:
-      return &ffi_type_double;
-    case CType::Color:
-      return &ffi_type_uint32;
-    case CType::String:
-    case CType::Ptr:
-    case CType::Object:
-    case CType::Array:
-      return &ffi_type_pointer;
-  }
-  return &ffi_type_void;
-}
-
 // One C argument and what the host made for it.
 struct Argument {
   union {
@@ -428,12 +404,12 @@ CallOutcome callDynamic(std::string_view name, const std::vector<std::string>& a
   std::vector<void*> values;
   for (std::size_t i = 0; i < choice.args.size(); ++i) {
     arguments.push_back(makeArgument(member.parsed.parameters[i], choice.args[i]));
-    types.push_back(ffiType(*signature.parameters[i]));
+    types.push_back(detail::ffiType(*signature.parameters[i]));
     values.push_back(&arguments.back().value);
   }
   ffi_cif cif{};
   if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()),
-                   ffiType(*signature.result), types.data()) != FFI_OK) {
+                   detail::ffiType(*signature.result), types.data()) != FFI_OK) {
     throw std::invalid_argument("cannot build a call to " + member.declaration);
   }
   union {

@@ -16,11 +16,4 @@ constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  zelfuzz::loadPlugin();
-  return 0;
-}
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  return zelfuzz::fuzzFamily(kFamily, data, size);
-}
+ZEL_FAMILY_FUZZER(kFamily)

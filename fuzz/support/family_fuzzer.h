@@ -24,3 +24,13 @@ inline constexpr DocumentedException kAllocationFailure{"OutOfMemoryException",
 int fuzzFamily(const Family& family, const std::uint8_t* data, std::size_t size);
 
 }  // namespace zelfuzz
+
+// The libFuzzer entry points of a family's target.
+#define ZEL_FAMILY_FUZZER(family)                                                     \
+  extern "C" int LLVMFuzzerInitialize(int*, char***) {                                \
+    zelfuzz::loadPlugin();                                                            \
+    return 0;                                                                         \
+  }                                                                                   \
+  extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) { \
+    return zelfuzz::fuzzFamily(family, data, size);                                   \
+  }

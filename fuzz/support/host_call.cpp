@@ -12,11 +12,13 @@
 #include <vector>
 
 #include "calls.h"
+#include "ffi_types.h"
 
 namespace zelfuzz {
 namespace {
 
 using zelhost::detail::CType;
+using zelhost::detail::ffiType;
 using Int64 = std::numeric_limits<std::int64_t>;
 using Int32 = std::numeric_limits<std::int32_t>;
 using Real = std::numeric_limits<double>;
@@ -115,32 +117,11 @@ REALobject memoryBlockArgument(FuzzedDataProvider& input) {
   }
 }
 
-ffi_type* ffiType(CType type) {
-  switch (type) {
-    case CType::Integer:
-      return &ffi_type_sint64;
-    case CType::Boolean:
-      return &ffi_type_sint8;
-    case CType::Double:
-      return &ffi_type_double;
-    case CType::Color:
-      return &ffi_type_uint32;
-    case CType::String:
-    case CType::Ptr:
-    case CType::Object:
-    case CType::Array:
-      return &ffi_type_pointer;
-    case CType::Void:
-      break;
-  }
-  return &ffi_type_void;
-}
-
 // One C argument and what the host made for it, released when the call is over.
 struct Argument {
   union {
     void* pointer;
-    std::int64_t integer;
+    RBInteger integer;
     std::int8_t boolean;
     double real;
     std::uint32_t color;

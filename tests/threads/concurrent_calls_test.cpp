@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "calls.h"
+#include "ffi_types.h"
 #include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
@@ -69,27 +70,6 @@ union Value {
   double real;
   RBColor color;
 };
-
-ffi_type* ffiTypeOf(CType type) {
-  switch (type) {
-    case CType::Void:
-      return &ffi_type_void;
-    case CType::Integer:
-      return &ffi_type_sint64;
-    case CType::Boolean:
-      return &ffi_type_sint8;
-    case CType::Double:
-      return &ffi_type_double;
-    case CType::Color:
-      return &ffi_type_uint32;
-    case CType::String:
-    case CType::Ptr:
-    case CType::Object:
-    case CType::Array:
-      return &ffi_type_pointer;
-  }
-  return &ffi_type_void;
-}
 
 std::string describeString(REALstring s, bool lengthOnly) {
   if (s == nullptr) return "nil";
@@ -211,12 +191,12 @@ class SharedCall {
     std::vector<ffi_type*> types;
     std::vector<void*> addresses;
     for (std::size_t i = 0; i < values.size(); ++i) {
-      types.push_back(ffiTypeOf(parameters_[i]));
+      types.push_back(zelhost::detail::ffiType(parameters_[i]));
       addresses.push_back(&values[i]);
     }
     ffi_cif cif{};
-    if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()), ffiTypeOf(result_),
-                     types.data()) != FFI_OK) {
+    if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()),
+                     zelhost::detail::ffiType(result_), types.data()) != FFI_OK) {
       return "no call";
     }
     union {
