@@ -254,13 +254,7 @@ Choice choose(std::string_view name, const std::vector<std::string>& args) {
 
 // One C argument and what the host made for it.
 struct Argument {
-  union {
-    void* pointer;
-    RBInteger integer;
-    std::int8_t boolean;
-    double real;
-    std::uint32_t color;
-  } value{};
+  detail::ArgumentValue value{};
   REALstring string = nullptr;
   REALobject object = nullptr;
   std::vector<char> buffer;  // a vector keeps its bytes in place when the argument moves

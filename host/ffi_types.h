@@ -9,4 +9,13 @@ namespace zelhost::detail {
 
 ffi_type* ffiType(CType type);
 
+// One C argument's value, in the member of its type.
+union ArgumentValue {
+  void* pointer;
+  RBInteger integer;
+  RBBoolean boolean;
+  double real;
+  RBColor color;
+};
+
 }  // namespace zelhost::detail

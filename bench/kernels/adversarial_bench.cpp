@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "bench_inputs.h"
+#include "counting_sink.h"
 #include "strings/accent_map.h"
 #include "strings/byte_ops.h"
 #include "strings/code_pages.h"
@@ -53,17 +54,6 @@ std::string nearMiss(std::size_t length) {
 std::span<const std::uint8_t> bytesOf(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
-
-class CountingSink : public StyledTextSink {
- public:
-  void clear() override { runs_ = 0; }
-  std::int64_t paragraphCount() override { return runs_; }
-  void appendStyleRun(const RunStyle&, const RunText&) override { ++runs_; }
-  void setParagraphAlignment(std::int64_t, std::int64_t) override {}
-
- private:
-  std::int64_t runs_ = 0;
-};
 
 // Runs that each differ from all the others in font and colour.
 std::vector<StyleRunRecord> manyRuns(std::size_t runs, std::u16string_view text) {
@@ -114,7 +104,7 @@ std::function<Work(std::size_t)> onUtf32(std::u32string unit, Kernel kernel) {
 }
 
 std::size_t readRuns(std::string_view rtf) {
-  CountingSink sink;
+  zel::bench::CountingSink sink;
   readRtf(rtf, sink);
   return static_cast<std::size_t>(sink.paragraphCount());
 }

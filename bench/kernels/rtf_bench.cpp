@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "bench_inputs.h"
+#include "counting_sink.h"
 #include "styledtext/rtf_reader.h"
 #include "styledtext/rtf_writer.h"
 
@@ -53,17 +54,6 @@ std::vector<StyleRunRecord> styledRuns(std::string_view utf8) {
   return runs;
 }
 
-class CountingSink : public zel::styledtext::StyledTextSink {
- public:
-  void clear() override { runs_ = 0; }
-  std::int64_t paragraphCount() override { return runs_; }
-  void appendStyleRun(const RunStyle&, const RunText&) override { ++runs_; }
-  void setParagraphAlignment(std::int64_t, std::int64_t) override {}
-
- private:
-  std::int64_t runs_ = 0;
-};
-
 void writeRtf(benchmark::State& state, const std::string& input) {
   const std::vector<StyleRunRecord> runs = styledRuns(input);
   for (auto _ : state) benchmark::DoNotOptimize(zel::styledtext::writeRtf(runs));
@@ -72,7 +62,7 @@ void writeRtf(benchmark::State& state, const std::string& input) {
 
 void readRtf(benchmark::State& state, const std::string& input) {
   const std::string rtf = zel::styledtext::writeRtf(styledRuns(input));
-  CountingSink sink;
+  zel::bench::CountingSink sink;
   for (auto _ : state) {
     zel::styledtext::readRtf(rtf, sink);
     benchmark::ClobberMemory();

@@ -119,13 +119,7 @@ REALobject memoryBlockArgument(FuzzedDataProvider& input) {
 
 // One C argument and what the host made for it, released when the call is over.
 struct Argument {
-  union {
-    void* pointer;
-    RBInteger integer;
-    std::int8_t boolean;
-    double real;
-    std::uint32_t color;
-  } value{};
+  zelhost::detail::ArgumentValue value{};
   REALstring string = nullptr;
   REALobject object = nullptr;
   // Exactly as long as its bytes, so that reading past them is caught.

@@ -63,13 +63,7 @@ const ArgumentSet kArgumentSets[] = {
     {"nil", {kNil}, 0, 0.0},
 };
 
-union Value {
-  void* pointer;
-  RBInteger integer;
-  RBBoolean boolean;
-  double real;
-  RBColor color;
-};
+using Value = zelhost::detail::ArgumentValue;
 
 std::string describeString(REALstring s, bool lengthOnly) {
   if (s == nullptr) return "nil";
