@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <array>
+
 #include "code_pages.h"
 
 namespace zelhost::detail {
@@ -56,27 +58,54 @@ bool platformConverts(const CodePage& page) {
   return IsValidCodePage(page.windowsCodePage) != 0;
 }
 
-// Windows itself writes U+FFFD (or the page's own default) for bytes it cannot read.
+// One character at a time, so that the results match the other platforms': an invalid or cut-off
+// sequence is one U+FFFD and reading resumes at its second byte; a byte the page leaves undefined
+// (one that does not come back from the page unchanged) is U+FFFD too.
 std::u32string platformDecode(std::string_view bytes, const CodePage& page) {
-  if (bytes.empty()) return {};
-  const int size = static_cast<int>(bytes.size());
-  const int units = MultiByteToWideChar(page.windowsCodePage, 0, bytes.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(units), L'\0');
-  MultiByteToWideChar(page.windowsCodePage, 0, bytes.data(), size, wide.data(), units);
-  return fromUtf16(wide);
+  std::u32string out;
+  out.reserve(bytes.size());
+  for (std::size_t at = 0; at < bytes.size();) {
+    const auto lead = static_cast<BYTE>(bytes[at]);
+    const std::size_t length =
+        !page.singleByte && IsDBCSLeadByteEx(page.windowsCodePage, lead) ? 2 : 1;
+    std::array<wchar_t, 2> units{};
+    int count = 0;
+    if (at + length <= bytes.size()) {
+      count = MultiByteToWideChar(page.windowsCodePage, MB_ERR_INVALID_CHARS, bytes.data() + at,
+                                  static_cast<int>(length), units.data(),
+                                  static_cast<int>(units.size()));
+    }
+    const std::u32string decoded = fromUtf16({units.data(), static_cast<std::size_t>(count)});
+    if (count == 0 || platformEncode(decoded, page) != bytes.substr(at, length)) {
+      out.push_back(kReplacement);
+      ++at;
+      continue;
+    }
+    out += decoded;
+    at += length;
+  }
+  return out;
 }
 
-// No best-fit mapping: a character the page lacks becomes '?', not a look-alike.
+// No best-fit mapping: a character the page lacks becomes one '?', not a look-alike, also when
+// it takes two UTF-16 units.
 std::string platformEncode(std::u32string_view text, const CodePage& page) {
-  const std::wstring wide = toUtf16(text);
-  if (wide.empty()) return {};
-  const int units = static_cast<int>(wide.size());
-  const char fallback[] = "?";
-  const int size = WideCharToMultiByte(page.windowsCodePage, WC_NO_BEST_FIT_CHARS, wide.data(),
-                                       units, nullptr, 0, fallback, nullptr);
-  std::string out(static_cast<std::size_t>(size), '\0');
-  WideCharToMultiByte(page.windowsCodePage, WC_NO_BEST_FIT_CHARS, wide.data(), units, out.data(),
-                      size, fallback, nullptr);
+  constexpr char kFallback = '?';
+  std::string out;
+  out.reserve(text.size());
+  std::array<char, 4> bytes{};
+  for (const char32_t c : text) {
+    const std::wstring wide = toUtf16({&c, 1});
+    BOOL usedFallback = FALSE;
+    const int size = WideCharToMultiByte(page.windowsCodePage, WC_NO_BEST_FIT_CHARS, wide.data(),
+                                         static_cast<int>(wide.size()), bytes.data(),
+                                         static_cast<int>(bytes.size()), &kFallback, &usedFallback);
+    if (size <= 0 || usedFallback) {
+      out.push_back(kFallback);
+    } else {
+      out.append(bytes.data(), static_cast<std::size_t>(size));
+    }
+  }
   return out;
 }
 
