@@ -95,7 +95,7 @@ def call_matches(example, reply):
 def run_calls(zelhost, calls):
     requests = "".join(json.dumps({"name": e.command[1], "args": e.command[2:]}) + "\n"
                        for e in calls)
-    output = subprocess.run([zelhost, "batch"], input=requests, capture_output=True, text=True,
+    output = subprocess.run([*zelhost, "batch"], input=requests, capture_output=True, text=True,
                             check=False).stdout.splitlines()
     if len(output) != len(calls):
         raise SystemExit(f"zelhost batch answered {len(output)} of {len(calls)} calls")
@@ -104,7 +104,7 @@ def run_calls(zelhost, calls):
 
 def file_command_matches(zelhost, docs, example):
     words = [str(docs / word) if (docs / word).is_file() else word for word in example.command]
-    completed = subprocess.run([zelhost, *words], capture_output=True, check=False)
+    completed = subprocess.run([*zelhost, *words], capture_output=True, check=False)
     expected_file = docs / example.expected[len("file:"):]
     if completed.returncode != 0 or not expected_file.is_file():
         return False
@@ -115,7 +115,7 @@ def file_command_matches(zelhost, docs, example):
 
 def registered_functions(zelhost):
     """The global functions, whether the host takes them loose or in the module."""
-    members = json.loads(subprocess.run([zelhost, "list", "--json"], capture_output=True,
+    members = json.loads(subprocess.run([*zelhost, "list", "--json"], capture_output=True,
                                         text=True, check=True).stdout)
     return {m["declaration"] for m in members
             if m["kind"] in ("method", "module-method") and "extends " not in m["declaration"]}
@@ -194,8 +194,8 @@ def self_test(zelhost, docs):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("zelhost")
     parser.add_argument("docs", type=pathlib.Path)
+    parser.add_argument("zelhost", nargs="+", help="zelhost, after its emulator when cross-built")
     parser.add_argument("--self-test", action="store_true",
                         help="expect a failure for each deliberately altered example")
     arguments = parser.parse_args()
