@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/text_encodings.h"
+
 using RBInteger = std::intptr_t;
 using RBInt64 = std::int64_t;
 using RBUInt64 = std::uint64_t;
@@ -169,6 +171,9 @@ struct REALstringData {
   std::uint32_t hostPrivate2;
 };
 
+// A string the host builds keeps its bytes inline exactly this far behind its handle.
+inline constexpr std::ptrdiff_t kInlineStringDataOffset = 42;
+
 // One set of declarations serves every target. On 64-bit targets a 32-bit field is padded to 8;
 // on 32-bit targets pointers, size_t and RBInteger are all 4 bytes, so every record is its field
 // count times 4 and the 64-bit sizes (a 48-byte method row, a 216-byte module record with its
@@ -208,21 +213,6 @@ static_assert(sizeof(REALstringData) == 20);
 #else
 #error "host records are laid out for 32-bit and 64-bit targets only"
 #endif
-
-namespace encoding {
-inline constexpr std::uint32_t kMacRoman = 0x0;
-inline constexpr std::uint32_t kUTF16 = 0x100;
-inline constexpr std::uint32_t kISOLatin1 = 0x201;
-inline constexpr std::uint32_t kWindowsLatin1 = 0x500;
-inline constexpr std::uint32_t kASCII = 0x600;
-inline constexpr std::uint32_t kUTF8 = 0x08000100;
-inline constexpr std::uint32_t kUTF32 = 0x0C000100;
-inline constexpr std::uint32_t kUTF16BE = 0x10000100;
-inline constexpr std::uint32_t kUTF16LE = 0x14000100;
-inline constexpr std::uint32_t kUTF32BE = 0x18000100;
-inline constexpr std::uint32_t kUTF32LE = 0x1C000100;
-inline constexpr std::uint32_t kNone = 0xFFFF;
-}  // namespace encoding
 
 namespace flags {
 inline constexpr std::uint32_t kRuntimeOnly = 2;

@@ -187,12 +187,10 @@ std::string repeatToLength(std::int64_t length, std::string_view content) {
   return out;
 }
 
-bool wipeInlineStringBytes(std::span<std::uint8_t> bytes, std::ptrdiff_t dataOffsetFromHandle) {
-  if (dataOffsetFromHandle != kInlineStringDataOffset) return false;
+void wipeBytes(std::span<std::uint8_t> bytes) {
   // Volatile, so that a wipe nobody reads back is still done.
   volatile std::uint8_t* const wiped = bytes.data();
   for (std::size_t i = 0; i < bytes.size(); ++i) wiped[i] = 0;
-  return true;
 }
 
 std::string randomBytes(std::int64_t length, bool ascii, RandomFill fill) {

@@ -52,11 +52,8 @@ int compareBytesZeroPadded(std::string_view a, std::string_view b);
 // length < 1. Throws std::bad_alloc when the memory cannot be had.
 std::string repeatToLength(std::int64_t length, std::string_view content);
 
-// The host keeps a string's bytes inline exactly this far behind its handle.
-inline constexpr std::ptrdiff_t kInlineStringDataOffset = 42;
-
-// Zeroes the host string's bytes when they lie inline in its object; true when it did.
-bool wipeInlineStringBytes(std::span<std::uint8_t> bytes, std::ptrdiff_t dataOffsetFromHandle);
+// Zeroes bytes, even when nobody reads them afterwards.
+void wipeBytes(std::span<std::uint8_t> bytes);
 
 using RandomFill = void (*)(std::span<std::uint8_t>);
 

@@ -38,7 +38,7 @@ class HostStyledTextSink final : public styledtext::StyledTextSink {
 
   void appendStyleRun(const styledtext::RunStyle& style, const styledtext::RunText& text) override {
     std::optional<RBInteger> after;
-    if (text.encoding == styledtext::kEncodingUtf16 && text.bytes.size() == sizeof(char16_t)) {
+    if (text.encoding == encoding::kUTF16 && text.bytes.size() == sizeof(char16_t)) {
       char16_t unit = 0;
       std::memcpy(&unit, text.bytes.data(), sizeof unit);
       REALobject run = makeRun(style);

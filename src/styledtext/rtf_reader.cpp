@@ -26,7 +26,7 @@ struct Rgb {
 struct GroupState {
   std::size_t font = 0;  // slot in the font-name pool; slot 0 is the empty name
   std::int64_t size = 0;
-  std::uint32_t encoding = kEncodingWindowsLatin1;
+  std::uint32_t encoding = ::encoding::kWindowsLatin1;
   Rgb color;
   bool bold = false;
   bool italic = false;
@@ -320,10 +320,10 @@ constexpr std::array<StyleSetter, indexOf(WordAction::kCount)> kStyleSetters = [
     target.group.encoding = encodingForCodePage(value);
   };
   setters[indexOf(WordAction::kAnsi)] = [](StyleTarget& target, std::int64_t) {
-    target.group.encoding = kEncodingWindowsLatin1;
+    target.group.encoding = encoding::kWindowsLatin1;
   };
   setters[indexOf(WordAction::kMac)] = [](StyleTarget& target, std::int64_t) {
-    target.group.encoding = kEncodingMacRoman;
+    target.group.encoding = encoding::kMacRoman;
   };
   setters[indexOf(WordAction::kBold)] = [](StyleTarget& target, std::int64_t value) {
     target.group.bold = value != 0;
@@ -442,7 +442,7 @@ class Reader {
     if (unit != 0) {
       std::array<char, sizeof unit> bytes{};
       std::memcpy(bytes.data(), &unit, sizeof unit);
-      addRun(*run_, RunText{std::string_view(bytes.data(), bytes.size()), kEncodingUtf16});
+      addRun(*run_, RunText{std::string_view(bytes.data(), bytes.size()), encoding::kUTF16});
     }
     run_.reset();
   }

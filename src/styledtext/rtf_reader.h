@@ -19,7 +19,7 @@ struct RunStyle {
 };
 
 // A run's text: bytes in a host text encoding. Runs from "\u" hold one UTF-16 unit as two bytes in
-// native order, tagged kEncodingUtf16.
+// native order, tagged encoding::kUTF16.
 struct RunText {
   std::string_view bytes;
   std::uint32_t encoding;

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "framework/exceptions.h"
-#include "framework/out_of_memory_error.h"
+#include "base/out_of_memory_error.h"
 #include "framework/plugin_state.h"
 #include "stand_in_host.h"
 
