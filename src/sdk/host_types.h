@@ -236,46 +236,10 @@ inline const REALproc kPlainOffsetAccessor = reinterpret_cast<REALproc>(~std::ui
 
 using REALresolver = void* (*)(const char* name);
 
-// Service signatures, by the host's names.
+// Types the services' signatures (sdk/host_services.h) and host methods use.
 namespace service {
-using REALBuildString = REALstring (*)(const char*, int);
-using REALBuildStringWithEncoding = REALstring (*)(const char*, int, std::uint32_t);
-using REALConvertString = REALstring (*)(REALstring, std::uint32_t);
-using REALGetStringEncoding = std::uint32_t (*)(REALstring);
-using REALSetStringEncoding = void (*)(REALstring, std::uint32_t);
-using PluginGetStringData = RBBoolean (*)(REALstring, std::uint32_t, REALstringData*);
-using PluginDisposeStringData = void (*)(REALstringData*);
-using StringGetCString = void* (*)(REALstring);
-using REALLockString = void (*)(REALstring);
-using REALUnlockString = void (*)(REALstring);
-using REALLockObject = void (*)(REALobject);
-using REALUnlockObject = void (*)(REALobject);
-using RuntimeStringCompare = RBInteger (*)(REALstring, REALstring);
-using PluginNewInstance = REALobject (*)(const char*);
-using REALLoadObjectMethod = void* (*)(REALobject, const char*);
-using REALLoadGlobalMethod = void* (*)(const char*, const char*);
-using REALGetPropValueBool = RBBoolean (*)(REALobject, const char*, RBBoolean*);
-using REALGetPropValueColor = RBBoolean (*)(REALobject, const char*, RBColor*);
-using REALGetPropValueInteger = RBBoolean (*)(REALobject, const char*, RBInteger*);
-using REALGetPropValueString = RBInteger (*)(REALobject, const char*, REALstring*);
-using REALSetPropValueBoolean = RBBoolean (*)(REALobject, const char*, RBBoolean);
-using REALSetPropValueInteger = RBBoolean (*)(REALobject, const char*, RBInteger);
-using REALSetPropValueString = RBBoolean (*)(REALobject, const char*, REALstring);
-using REALSetPropValueUInt32 = RBBoolean (*)(REALobject, const char*, std::uint32_t);
-using RuntimeRaiseException = void (*)(REALobject);
-using RuntimeArrayCreateSingleDimBoundedArray = REALarray (*)(std::int32_t, RBInteger);
-using RuntimeUBound = RBInteger (*)(REALarray);
 using StringArrayInsert = void (*)(REALarray, RBInteger, REALstring);
-using PluginStringArrayInsertProc = StringArrayInsert (*)(REALarray);
 using ExceptionHandledFunction = void (*)(void*);
-using PluginCallFunctionWithExceptionHandler = REALobject (*)(ExceptionHandledFunction, void*);
-using REALYieldToRB = void (*)();
-using REALinRuntime = RBBoolean (*)();
-using PluginRegisterClassExtension = void (*)(REALclassDefinition*);
-using PluginRegisterMethod = void (*)(REALmethodDefinition*);
-using PluginRegisterModule = void (*)(REALmoduleDefinition*);
-using REALGetRBVersion = double (*)();
-using RegisterPluginVersion = void (*)(int);
 // Host methods loaded by declaration.
 using LenB = RBInteger (*)(REALstring);
 }  // namespace service
