@@ -25,8 +25,11 @@ bool countDisagrees(const Row* rows, std::size_t count) noexcept {
   return count != 0 ? rows == nullptr || count > kMaximumListed : rows != nullptr;
 }
 
+// The console bit among the target bits (flags::kTargetMask).
+constexpr std::uint32_t kTargetConsole = 0x8;
+
 bool consoleSafe(std::uint32_t flags) noexcept {
-  return (flags & (flags::kConsoleSafe | 0x8)) != 0;
+  return (flags & (flags::kConsoleSafe | kTargetConsole)) != 0;
 }
 
 const char* orEmpty(const char* text) noexcept {

@@ -19,7 +19,7 @@ struct Translation {
   const char* className;
 };
 
-// First match wins; the repeated underflow row can never match and is kept as it stands.
+// First match wins.
 Translation translationFor(const std::exception& failure) noexcept {
   if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr)
     return {"Failed to allocate memory", "OutOfMemoryException"};

@@ -16,14 +16,12 @@
 namespace zel::adapters {
 namespace {
 
-constexpr std::size_t kPendingTextReserve = 10000;
-
 // The reader's building steps, carried out on a host StyledText. The paragraph count that the
 // last append reported is remembered, so each run costs the host two counts, not four.
 class HostStyledTextSink final : public styledtext::StyledTextSink {
  public:
   explicit HostStyledTextSink(REALobject styledText) : styledText_(styledText) {
-    text_.reserve(kPendingTextReserve);
+    text_.reserve(styledtext::kPendingTextReserve);
   }
 
   void clear() override {

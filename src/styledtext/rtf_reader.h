@@ -3,10 +3,14 @@
 // malformed input gives whatever runs were recognised.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace zel::styledtext {
+
+// Bytes reserved up front for text waiting to become a run: most runs fit without regrowing.
+inline constexpr std::size_t kPendingTextReserve = 10000;
 
 // The style a run is created with.
 struct RunStyle {
