@@ -10,7 +10,7 @@
 
 namespace zelhost::detail {
 
-inline constexpr std::size_t kInlineBytesOffset = 42;
+inline constexpr std::size_t kInlineBytesOffset = kInlineStringDataOffset;
 
 struct StringHeader {
   std::uint32_t magic;

@@ -8,88 +8,20 @@
 #include <string>
 #include <string_view>
 
+#include "sdk/host_services.h"
+
 namespace zelhost::detail {
 
-enum class Service : std::size_t {
-  REALBuildString,
-  REALBuildStringWithEncoding,
-  REALConvertString,
-  REALGetStringEncoding,
-  REALSetStringEncoding,
-  PluginGetStringData,
-  PluginDisposeStringData,
-  StringGetCString,
-  REALLockString,
-  REALUnlockString,
-  RuntimeStringCompare,
-  REALLockObject,
-  REALUnlockObject,
-  PluginNewInstance,
-  REALLoadObjectMethod,
-  REALLoadGlobalMethod,
-  REALGetPropValueBool,
-  REALGetPropValueColor,
-  REALGetPropValueInteger,
-  REALGetPropValueString,
-  REALSetPropValueBoolean,
-  REALSetPropValueInteger,
-  REALSetPropValueString,
-  REALSetPropValueUInt32,
-  RuntimeRaiseException,
-  RuntimeArrayCreateSingleDimBoundedArray,
-  RuntimeUBound,
-  PluginStringArrayInsertProc,
-  PluginCallFunctionWithExceptionHandler,
-  REALYieldToRB,
-  REALinRuntime,
-  PluginRegisterClassExtension,
-  PluginRegisterMethod,
-  PluginRegisterModule,
-  REALGetRBVersion,
-  RegisterPluginVersion,
-  Count
-};
+#define ZEL_SERVICE_ENUMERATOR(Shape, Name, Result, Parameters, Arguments) Name,
+enum class Service : std::size_t { ZEL_HOST_SERVICES(ZEL_SERVICE_ENUMERATOR) Count };
+#undef ZEL_SERVICE_ENUMERATOR
 
 inline constexpr std::size_t kServiceCount = static_cast<std::size_t>(Service::Count);
 
+#define ZEL_SERVICE_NAME(Shape, Name, Result, Parameters, Arguments) #Name,
 inline constexpr std::array<std::string_view, kServiceCount> kServiceNames = {
-    "REALBuildString",
-    "REALBuildStringWithEncoding",
-    "REALConvertString",
-    "REALGetStringEncoding",
-    "REALSetStringEncoding",
-    "PluginGetStringData",
-    "PluginDisposeStringData",
-    "StringGetCString",
-    "REALLockString",
-    "REALUnlockString",
-    "RuntimeStringCompare",
-    "REALLockObject",
-    "REALUnlockObject",
-    "PluginNewInstance",
-    "REALLoadObjectMethod",
-    "REALLoadGlobalMethod",
-    "REALGetPropValueBool",
-    "REALGetPropValueColor",
-    "REALGetPropValueInteger",
-    "REALGetPropValueString",
-    "REALSetPropValueBoolean",
-    "REALSetPropValueInteger",
-    "REALSetPropValueString",
-    "REALSetPropValueUInt32",
-    "RuntimeRaiseException",
-    "RuntimeArrayCreateSingleDimBoundedArray",
-    "RuntimeUBound",
-    "PluginStringArrayInsertProc",
-    "PluginCallFunctionWithExceptionHandler",
-    "REALYieldToRB",
-    "REALinRuntime",
-    "PluginRegisterClassExtension",
-    "PluginRegisterMethod",
-    "PluginRegisterModule",
-    "REALGetRBVersion",
-    "RegisterPluginVersion",
-};
+    ZEL_HOST_SERVICES(ZEL_SERVICE_NAME)};
+#undef ZEL_SERVICE_NAME
 
 std::optional<Service> serviceNamed(std::string_view name);
 

@@ -319,44 +319,9 @@ void* address(Function* function) {
 
 // In the order of the Service enumeration.
 void* serviceAddress(Service service) {
-  static const auto kAddresses = std::to_array<void*>({
-      address(&REALBuildString),
-      address(&REALBuildStringWithEncoding),
-      address(&REALConvertString),
-      address(&REALGetStringEncoding),
-      address(&REALSetStringEncoding),
-      address(&PluginGetStringData),
-      address(&PluginDisposeStringData),
-      address(&StringGetCString),
-      address(&REALLockString),
-      address(&REALUnlockString),
-      address(&RuntimeStringCompare),
-      address(&REALLockObject),
-      address(&REALUnlockObject),
-      address(&PluginNewInstance),
-      address(&REALLoadObjectMethod),
-      address(&REALLoadGlobalMethod),
-      address(&REALGetPropValueBool),
-      address(&REALGetPropValueColor),
-      address(&REALGetPropValueInteger),
-      address(&REALGetPropValueString),
-      address(&REALSetPropValueBoolean),
-      address(&REALSetPropValueInteger),
-      address(&REALSetPropValueString),
-      address(&REALSetPropValueUInt32),
-      address(&RuntimeRaiseException),
-      address(&RuntimeArrayCreateSingleDimBoundedArray),
-      address(&RuntimeUBound),
-      address(&PluginStringArrayInsertProc),
-      address(&PluginCallFunctionWithExceptionHandler),
-      address(&REALYieldToRB),
-      address(&REALinRuntime),
-      address(&PluginRegisterClassExtension),
-      address(&PluginRegisterMethod),
-      address(&PluginRegisterModule),
-      address(&REALGetRBVersion),
-      address(&RegisterPluginVersion),
-  });
+#define ZEL_SERVICE_ADDRESS(Shape, Name, Result, Parameters, Arguments) address(&Name),
+  static const auto kAddresses = std::to_array<void*>({ZEL_HOST_SERVICES(ZEL_SERVICE_ADDRESS)});
+#undef ZEL_SERVICE_ADDRESS
   static_assert(std::tuple_size_v<decltype(kAddresses)> == kServiceCount);
   const auto index = static_cast<std::size_t>(service);
   return index < kAddresses.size() ? kAddresses[index] : nullptr;

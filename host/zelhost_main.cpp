@@ -99,7 +99,9 @@ void commandWords(const Command& command, const Words& words, std::size_t at,
 int run(const Words& words) {
   std::size_t at = 0;
   Invocation invocation = hostOptions(words, at);
-  if (at == words.size()) throw UsageError(std::string(zelhost::cli::usageLine()));
+  if (at == words.size()) {
+    throw UsageError("no command given\n" + std::string(zelhost::cli::usageLine()));
+  }
   const Command& chosen = command(commandWord(words[at]));
   commandWords(chosen, words, at + 1, invocation);
   if (invocation.pluginPath.empty()) invocation.pluginPath = defaultPluginPath();

@@ -15,7 +15,7 @@
 
 namespace {
 
-using zel::bench::kLarge;
+using zeltest::kLarge;
 
 struct Argument {
   const char* name;
@@ -24,13 +24,13 @@ struct Argument {
 };
 
 std::string latin1Text(std::size_t bytes) {
-  std::string text = zel::bench::asciiText(bytes);
+  std::string text = zeltest::asciiText(bytes);
   for (std::size_t i = 5; i < text.size(); i += 11) text[i] = '\xE9';
   return text;
 }
 
 std::string utf16Text(std::size_t bytes) {
-  const std::string utf8 = zel::bench::utf8Text(bytes / 2);
+  const std::string utf8 = zeltest::utf8Text(bytes / 2);
   std::vector<char16_t> units(utf8.size() + 1);
   const auto decoded = zel::decodeUtf8(
       {reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()}, units.data());
@@ -39,9 +39,9 @@ std::string utf16Text(std::size_t bytes) {
 
 const std::vector<Argument>& arguments() {
   static const std::vector<Argument> all = {
-      {"ascii", zel::bench::asciiText(kLarge), encoding::kUTF8},
+      {"ascii", zeltest::asciiText(kLarge), encoding::kUTF8},
       {"latin1", latin1Text(kLarge), encoding::kISOLatin1},
-      {"utf8", zel::bench::utf8Text(kLarge), encoding::kUTF8},
+      {"utf8", zeltest::utf8Text(kLarge), encoding::kUTF8},
       {"utf16", utf16Text(kLarge), encoding::kUTF16},
   };
   return all;
@@ -71,7 +71,7 @@ void openView(benchmark::State& state, const Argument& argument, const ViewOpene
 }
 
 void memcpyYardstick(benchmark::State& state) {
-  const std::string source = zel::bench::asciiText(kLarge);
+  const std::string source = zeltest::asciiText(kLarge);
   std::string target(kLarge, '\0');
   for (auto _ : state) {
     std::memcpy(target.data(), source.data(), kLarge);

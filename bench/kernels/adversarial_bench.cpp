@@ -32,7 +32,7 @@ using namespace zel::styledtext;
 
 constexpr std::size_t kSmall = 64 * 1024;
 constexpr std::size_t kMiddle = 256 * 1024;
-constexpr std::size_t kLarge = zel::bench::kLarge;
+constexpr std::size_t kLarge = zeltest::kLarge;
 
 // `unit` repeated to exactly `length` units (the last copy may be cut).
 template <class Char>
@@ -104,7 +104,7 @@ std::function<Work(std::size_t)> onUtf32(std::u32string unit, Kernel kernel) {
 }
 
 std::size_t readRuns(std::string_view rtf) {
-  zel::bench::CountingSink sink;
+  zeltest::CountingSink sink;
   readRtf(rtf, sink);
   return static_cast<std::size_t>(sink.paragraphCount());
 }

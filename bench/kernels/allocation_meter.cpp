@@ -38,7 +38,7 @@ void* allocateOrThrow(std::size_t bytes) {
 
 }  // namespace
 
-namespace zel::bench {
+namespace zeltest {
 
 void resetPeakHeap() noexcept {
   const std::size_t now = inUse.load(std::memory_order_relaxed);
@@ -50,7 +50,7 @@ std::size_t peakHeapGrowth() noexcept {
   return peak.load(std::memory_order_relaxed) - baseline.load(std::memory_order_relaxed);
 }
 
-}  // namespace zel::bench
+}  // namespace zeltest
 
 void* operator new(std::size_t bytes) {
   return allocateOrThrow(bytes);

@@ -4,11 +4,11 @@
 
 #include <cstddef>
 
-namespace zel::bench {
+namespace zeltest {
 
 // Starts a new high-water mark from the bytes in use now.
 void resetPeakHeap() noexcept;
 // The most bytes in use since the last reset, beyond those in use at the reset.
 std::size_t peakHeapGrowth() noexcept;
 
-}  // namespace zel::bench
+}  // namespace zeltest

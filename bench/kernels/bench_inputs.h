@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-namespace zel::bench {
+namespace zeltest {
 
 inline constexpr std::size_t kLarge = 1 << 20;  // 1 MiB
 inline constexpr std::size_t kShort = 32;
@@ -45,4 +45,4 @@ inline std::string utf8Text(std::size_t bytes) {
   return out;
 }
 
-}  // namespace zel::bench
+}  // namespace zeltest

@@ -8,8 +8,8 @@
 
 namespace {
 
-using zel::bench::kLarge;
-using zel::bench::kShort;
+using zeltest::kLarge;
+using zeltest::kShort;
 
 void setBytes(benchmark::State& state, std::size_t bytesPerCall) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * bytesPerCall));
@@ -19,9 +19,9 @@ void setBytes(benchmark::State& state, std::size_t bytesPerCall) {
 template <typename Kernel>
 void runMask(benchmark::State& state, Kernel kernel) {
   const auto size = static_cast<std::size_t>(state.range(0));
-  const std::string data = zel::bench::binaryData(size);
+  const std::string data = zeltest::binaryData(size);
   const auto maskSize = state.range(1) == 0 ? size : static_cast<std::size_t>(state.range(1));
-  const std::string mask = zel::bench::asciiText(maskSize);
+  const std::string mask = zeltest::asciiText(maskSize);
   for (auto _ : state) benchmark::DoNotOptimize(kernel(data, mask));
   setBytes(state, size);
 }
@@ -56,7 +56,7 @@ BENCHMARK(BM_MaskXorWithPosition)->Args({kShort, 5})->Args({kLarge, 5});
 // The searches scan to the end: the target holds none of the sought bytes.
 void BM_PositionOfAnyByte(benchmark::State& state) {
   const auto size = static_cast<std::size_t>(state.range(0));
-  const std::string target = zel::bench::asciiText(size);
+  const std::string target = zeltest::asciiText(size);
   const std::string set = state.range(1) == 1 ? "#" : "#$%{}";
   for (auto _ : state) benchmark::DoNotOptimize(zel::strings::positionOfAnyByte(target, set));
   setBytes(state, size);
@@ -69,7 +69,7 @@ BENCHMARK(BM_PositionOfAnyByte)
 
 void BM_PositionOfByteInRanges(benchmark::State& state) {
   const auto size = static_cast<std::size_t>(state.range(0));
-  const std::string target = zel::bench::asciiText(size);
+  const std::string target = zeltest::asciiText(size);
   const zel::strings::ByteRange ranges[] = {{0, 9}, {128, 255}};
   for (auto _ : state)
     benchmark::DoNotOptimize(zel::strings::positionOfByteInRanges(target, ranges));
@@ -79,7 +79,7 @@ BENCHMARK(BM_PositionOfByteInRanges)->Arg(kShort)->Arg(kLarge);
 
 void BM_PositionOfSignedByteInRangesOrSet(benchmark::State& state) {
   const auto size = static_cast<std::size_t>(state.range(0));
-  const std::string target = zel::bench::asciiText(size);
+  const std::string target = zeltest::asciiText(size);
   const zel::strings::ByteRange ranges[] = {{-128, -1}};
   for (auto _ : state) {
     benchmark::DoNotOptimize(zel::strings::positionOfSignedByteInRangesOrSet(target, "#$", ranges));

@@ -17,7 +17,7 @@ std::span<const std::uint8_t> bytesOf(const std::string& text) {
 }
 
 void BM_DecodeCodePage(benchmark::State& state, CodePage page) {
-  const std::string input = zel::bench::binaryData(zel::bench::kLarge);
+  const std::string input = zeltest::binaryData(zeltest::kLarge);
   for (auto _ : state) benchmark::DoNotOptimize(zel::strings::decodeCodePage(bytesOf(input), page));
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size()));
 }
@@ -26,7 +26,7 @@ BENCHMARK_CAPTURE(BM_DecodeCodePage, windows1252, CodePage::Windows1252);
 
 // Half a million units of every byte value's character, euro signs and quotes included.
 void BM_EncodeCodePage(benchmark::State& state, CodePage page) {
-  const std::string bytes = zel::bench::binaryData(zel::bench::kLarge / 2);
+  const std::string bytes = zeltest::binaryData(zeltest::kLarge / 2);
   const std::u16string input = zel::strings::decodeCodePage(bytesOf(bytes), CodePage::Windows1252);
   for (auto _ : state) benchmark::DoNotOptimize(zel::strings::encodeCodePage(input, page));
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * input.size() * 2));

@@ -5,17 +5,19 @@
 
 #include "styledtext/rtf_reader.h"
 
-namespace zel::bench {
+namespace zeltest {
 
-class CountingSink : public styledtext::StyledTextSink {
+class CountingSink : public zel::styledtext::StyledTextSink {
  public:
   void clear() override { runs_ = 0; }
   std::int64_t paragraphCount() override { return runs_; }
-  void appendStyleRun(const styledtext::RunStyle&, const styledtext::RunText&) override { ++runs_; }
+  void appendStyleRun(const zel::styledtext::RunStyle&, const zel::styledtext::RunText&) override {
+    ++runs_;
+  }
   void setParagraphAlignment(std::int64_t, std::int64_t) override {}
 
  private:
   std::int64_t runs_ = 0;
 };
 
-}  // namespace zel::bench
+}  // namespace zeltest

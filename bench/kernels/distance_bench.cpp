@@ -20,16 +20,16 @@ std::u16string widened(const std::string& ascii) {
 template <double (*Distance)(std::u16string_view, std::u16string_view)>
 void BM_Distance(benchmark::State& state) {
   const auto length = static_cast<std::size_t>(state.range(0));
-  const std::u16string a = widened(zel::bench::asciiText(length));
+  const std::u16string a = widened(zeltest::asciiText(length));
   std::u16string b = a;
   for (std::size_t i = 7; i + 1 < b.size(); i += 13) std::swap(b[i], b[i + 1]);
   // Long texts also differ by an insertion; short ones keep their length so that both sides
   // stay within the stated size.
   if (length > kWordUnits) b.insert(b.size() / 2, u"inserted ");
   for (auto _ : state) benchmark::DoNotOptimize(Distance(a, b));
-  zel::bench::resetPeakHeap();
+  zeltest::resetPeakHeap();
   benchmark::DoNotOptimize(Distance(a, b));
-  state.counters["peak_heap_bytes"] = static_cast<double>(zel::bench::peakHeapGrowth());
+  state.counters["peak_heap_bytes"] = static_cast<double>(zeltest::peakHeapGrowth());
   state.SetBytesProcessed(
       static_cast<std::int64_t>(state.iterations() * (a.size() + b.size()) * 2));
 }

@@ -12,12 +12,12 @@
 namespace {
 
 using namespace zel::strings;
-using zel::bench::kLarge;
-using zel::bench::kShort;
+using zeltest::kLarge;
+using zeltest::kShort;
 
 // Prose with an ampersand about every hundred characters, so the encoders do the full pass.
 std::u32string asciiHeavy(std::size_t length) {
-  const std::string prose = zel::bench::asciiText(length);
+  const std::string prose = zeltest::asciiText(length);
   std::u32string text(prose.begin(), prose.end());
   for (std::size_t i = 10; i < text.size(); i += 100) text[i] = U'&';
   return text;
@@ -73,7 +73,7 @@ BENCHMARK(BM_DecodeEntities<asciiHeavy>)->Arg(kShort)->Arg(kLarge);
 BENCHMARK(BM_DecodeEntities<entityHeavy>)->Arg(kShort)->Arg(kLarge);
 
 void BM_MarkupReady(benchmark::State& state) {
-  const std::string text = zel::bench::asciiText(static_cast<std::size_t>(state.range(0)));
+  const std::string text = zeltest::asciiText(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(isMarkupReady(text));
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
 }

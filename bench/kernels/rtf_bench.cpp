@@ -62,7 +62,7 @@ void writeRtf(benchmark::State& state, const std::string& input) {
 
 void readRtf(benchmark::State& state, const std::string& input) {
   const std::string rtf = zel::styledtext::writeRtf(styledRuns(input));
-  zel::bench::CountingSink sink;
+  zeltest::CountingSink sink;
   for (auto _ : state) {
     zel::styledtext::readRtf(rtf, sink);
     benchmark::ClobberMemory();
@@ -71,21 +71,21 @@ void readRtf(benchmark::State& state, const std::string& input) {
 }
 
 void BM_RtfWriteAscii(benchmark::State& state) {
-  writeRtf(state, zel::bench::asciiText(static_cast<std::size_t>(state.range(0))));
+  writeRtf(state, zeltest::asciiText(static_cast<std::size_t>(state.range(0))));
 }
 void BM_RtfWriteUtf8(benchmark::State& state) {
-  writeRtf(state, zel::bench::utf8Text(static_cast<std::size_t>(state.range(0))));
+  writeRtf(state, zeltest::utf8Text(static_cast<std::size_t>(state.range(0))));
 }
 void BM_RtfReadAscii(benchmark::State& state) {
-  readRtf(state, zel::bench::asciiText(static_cast<std::size_t>(state.range(0))));
+  readRtf(state, zeltest::asciiText(static_cast<std::size_t>(state.range(0))));
 }
 void BM_RtfReadUtf8(benchmark::State& state) {
-  readRtf(state, zel::bench::utf8Text(static_cast<std::size_t>(state.range(0))));
+  readRtf(state, zeltest::utf8Text(static_cast<std::size_t>(state.range(0))));
 }
 
-BENCHMARK(BM_RtfWriteAscii)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
-BENCHMARK(BM_RtfWriteUtf8)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
-BENCHMARK(BM_RtfReadAscii)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
-BENCHMARK(BM_RtfReadUtf8)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
+BENCHMARK(BM_RtfWriteAscii)->Arg(zeltest::kShort)->Arg(zeltest::kLarge);
+BENCHMARK(BM_RtfWriteUtf8)->Arg(zeltest::kShort)->Arg(zeltest::kLarge);
+BENCHMARK(BM_RtfReadAscii)->Arg(zeltest::kShort)->Arg(zeltest::kLarge);
+BENCHMARK(BM_RtfReadUtf8)->Arg(zeltest::kShort)->Arg(zeltest::kLarge);
 
 }  // namespace

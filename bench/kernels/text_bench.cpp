@@ -13,8 +13,8 @@
 namespace {
 
 using namespace zel::strings;
-using zel::bench::kLarge;
-using zel::bench::kShort;
+using zeltest::kLarge;
+using zeltest::kShort;
 
 std::span<const std::uint8_t> bytesOf(const std::string& text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
@@ -25,7 +25,7 @@ void setBytes(benchmark::State& state, std::size_t bytes) {
 }
 
 void BM_ReplaceLineEndings(benchmark::State& state) {
-  const std::string text = zel::bench::asciiText(static_cast<std::size_t>(state.range(0)));
+  const std::string text = zeltest::asciiText(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(replaceLineEndings(text, "\r\n", true, [] {}));
   setBytes(state, text.size());
 }
@@ -37,9 +37,9 @@ void BM_RepairUtf8(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(repairUtf8(bytesOf(data), "\xEF\xBF\xBD"));
   setBytes(state, data.size());
 }
-BENCHMARK(BM_RepairUtf8<zel::bench::asciiText>)->Arg(kShort)->Arg(kLarge);
-BENCHMARK(BM_RepairUtf8<zel::bench::utf8Text>)->Arg(kShort)->Arg(kLarge);
-BENCHMARK(BM_RepairUtf8<zel::bench::binaryData>)->Arg(kLarge);
+BENCHMARK(BM_RepairUtf8<zeltest::asciiText>)->Arg(kShort)->Arg(kLarge);
+BENCHMARK(BM_RepairUtf8<zeltest::utf8Text>)->Arg(kShort)->Arg(kLarge);
+BENCHMARK(BM_RepairUtf8<zeltest::binaryData>)->Arg(kLarge);
 
 template <std::string (*makeInput)(std::size_t)>
 void BM_ReadableStrings(benchmark::State& state) {
@@ -47,19 +47,19 @@ void BM_ReadableStrings(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(readableStrings(bytesOf(data), 4));
   setBytes(state, data.size());
 }
-BENCHMARK(BM_ReadableStrings<zel::bench::utf8Text>)->Arg(kLarge);
-BENCHMARK(BM_ReadableStrings<zel::bench::binaryData>)->Arg(kShort)->Arg(kLarge);
+BENCHMARK(BM_ReadableStrings<zeltest::utf8Text>)->Arg(kLarge);
+BENCHMARK(BM_ReadableStrings<zeltest::binaryData>)->Arg(kShort)->Arg(kLarge);
 
 void BM_ContainsWholeWord(benchmark::State& state) {
   // "fox" occurs often, but never as "foxes": every occurrence is examined and rejected.
-  const std::string text = zel::bench::asciiText(static_cast<std::size_t>(state.range(0)));
+  const std::string text = zeltest::asciiText(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(containsWholeWord(text, "Foxes"));
   setBytes(state, text.size());
 }
 BENCHMARK(BM_ContainsWholeWord)->Arg(kShort)->Arg(kLarge);
 
 void BM_CountOccurrences(benchmark::State& state) {
-  const std::string text = zel::bench::asciiText(static_cast<std::size_t>(state.range(0)));
+  const std::string text = zeltest::asciiText(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(countOccurrences(text, "the "));
   setBytes(state, text.size());
 }

@@ -8,19 +8,19 @@
 
 namespace {
 
-using zel::bench::kLarge;
-using zel::bench::kShort;
+using zeltest::kLarge;
+using zeltest::kShort;
 
 // range(1) picks the input: 0 ASCII prose, 1 binary data, 2 UTF-8 text.
 std::string input(const benchmark::State& state) {
   const auto size = static_cast<std::size_t>(state.range(0));
   switch (state.range(1)) {
     case 0:
-      return zel::bench::asciiText(size);
+      return zeltest::asciiText(size);
     case 1:
-      return zel::bench::binaryData(size);
+      return zeltest::binaryData(size);
     default:
-      return zel::bench::utf8Text(size);
+      return zeltest::utf8Text(size);
   }
 }
 

@@ -30,7 +30,7 @@ std::u16string utf16Of(const std::string& utf8) {
 }
 
 const std::u16string& precomposed() {
-  static const std::u16string text = utf16Of(zel::bench::utf8Text(zel::bench::kLarge));
+  static const std::u16string text = utf16Of(zeltest::utf8Text(zeltest::kLarge));
   return text;
 }
 

@@ -24,8 +24,8 @@ constexpr std::array<std::string_view, 17> kFunctions = {"StringANDZEL",
                                                          "UnicodeStringZEL",
                                                          "NativeStringZEL"};
 constexpr std::array<std::string_view, 1> kSizeParameters = {"length"};
-constexpr std::array kExceptions = {zelfuzz::kAllocationFailure};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+constexpr std::array kExceptions = {zeltest::kAllocationFailure};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

@@ -10,8 +10,8 @@ constexpr std::array<std::string_view, 4> kFunctions = {
     "EncodingToISO8859ZEL", "DecodingFromISO8859ZEL", "EncodingToCP1252ZEL",
     "DecodingFromCP1252ZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
-constexpr std::array kExceptions = {zelfuzz::kAllocationFailure};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+constexpr std::array kExceptions = {zeltest::kAllocationFailure};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

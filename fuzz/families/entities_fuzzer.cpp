@@ -11,9 +11,9 @@ constexpr std::array<std::string_view, 6> kFunctions = {
     "DecodingFromXMLZEL", "StringIsHTMLreadyZEL", "StringIsXMLreadyZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
 constexpr std::array kExceptions = {
-    zelfuzz::kAllocationFailure,
-    zelfuzz::DocumentedException{"RuntimeException", "C++ Exception: ", true}};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+    zeltest::kAllocationFailure,
+    zeltest::DocumentedException{"RuntimeException", "C++ Exception: ", true}};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

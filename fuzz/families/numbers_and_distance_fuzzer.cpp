@@ -10,9 +10,9 @@ constexpr std::array<std::string_view, 4> kFunctions = {
     "StrZEL", "ScientificStrZEL", "LevenshteinDistanceZEL", "JaroWinklerDistanceZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
 constexpr std::array kExceptions = {
-    zelfuzz::kAllocationFailure,
-    zelfuzz::DocumentedException{"OutOfMemoryException", "Failed to allocate ", true}};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+    zeltest::kAllocationFailure,
+    zeltest::DocumentedException{"OutOfMemoryException", "Failed to allocate ", true}};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

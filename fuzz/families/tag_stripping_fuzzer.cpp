@@ -9,8 +9,8 @@ namespace {
 constexpr std::array<std::string_view, 3> kFunctions = {
     "RemoveHTMLTagsZEL", "RemoveHTMLTagsWithZEL", "SQLReplaceBooleanZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
-constexpr std::array kExceptions = {zelfuzz::kAllocationFailure};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+constexpr std::array kExceptions = {zeltest::kAllocationFailure};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

@@ -10,8 +10,8 @@ constexpr std::array<std::string_view, 8> kFunctions = {
     "HasPrefixZEL",         "HasPostfixZEL",         "ContainsWholeWordZEL",  "CountOccurancesZEL",
     "StrCompCharactersZEL", "ReplaceLineEndingsZEL", "GetStringsFromDataZEL", "CheckUTF8ZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
-constexpr std::array kExceptions = {zelfuzz::kAllocationFailure};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+constexpr std::array kExceptions = {zeltest::kAllocationFailure};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

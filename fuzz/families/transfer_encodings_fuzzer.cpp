@@ -11,8 +11,8 @@ constexpr std::array<std::string_view, 7> kFunctions = {
     "DecodingFromURLZEL",   "EncodingToQuotedPrintableZEL", "DecodingFromQuotedPrintableZEL",
     "EncodeEmailSubjectZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
-constexpr std::array kExceptions = {zelfuzz::kAllocationFailure};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+constexpr std::array kExceptions = {zeltest::kAllocationFailure};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

@@ -11,10 +11,10 @@ constexpr std::array<std::string_view, 3> kFunctions = {"ConvertUnicodeToCharact
                                                         "RemoveAccentsZEL"};
 constexpr std::array<std::string_view, 0> kSizeParameters = {};
 constexpr std::array kExceptions = {
-    zelfuzz::kAllocationFailure,
-    zelfuzz::DocumentedException{"OutOfMemoryException", "Failed to allocate lookup table."},
-    zelfuzz::DocumentedException{"RuntimeException", "C++ Exception: ", true}};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+    zeltest::kAllocationFailure,
+    zeltest::DocumentedException{"OutOfMemoryException", "Failed to allocate lookup table."},
+    zeltest::DocumentedException{"RuntimeException", "C++ Exception: ", true}};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

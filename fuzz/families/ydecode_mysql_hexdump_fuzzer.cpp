@@ -10,10 +10,10 @@ constexpr std::array<std::string_view, 4> kFunctions = {"_yDecodeMemoryZEL", "_y
                                                         "DecodingFromMySQLZEL", "HexstringZEL"};
 constexpr std::array<std::string_view, 2> kSizeParameters = {"hexlen", "linelen"};
 constexpr std::array kExceptions = {
-    zelfuzz::kAllocationFailure,
-    zelfuzz::DocumentedException{"OutOfMemoryException", "Failed to allocate a memoryblock with ",
+    zeltest::kAllocationFailure,
+    zeltest::DocumentedException{"OutOfMemoryException", "Failed to allocate a memoryblock with ",
                                  true}};
-constexpr zelfuzz::Family kFamily{kFunctions, kSizeParameters, kExceptions};
+constexpr zeltest::Family kFamily{kFunctions, kSizeParameters, kExceptions};
 
 }  // namespace
 

@@ -7,7 +7,7 @@
 #include "support/fuzz_host.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  zelfuzz::loadPlugin();
+  zeltest::loadPlugin();
   return 0;
 }
 
@@ -19,10 +19,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const REALstring rtf = zelhost::makeString(bytes, encoding::kUTF8);
   assignRtf(styledText, RBBoolean{0}, rtf);
   for (const zelhost::StyledRun& run : zelhost::styledRuns(styledText)) {
-    if (run.text.empty()) zelfuzz::fail("the reader appended a run without text");
+    if (run.text.empty()) zeltest::fail("the reader appended a run without text");
   }
   zelhost::release(rtf);
   zelhost::release(styledText);
-  zelfuzz::checkAfterCall("RTFDataZEL = rtf", zelhost::takeRaisedException(), {});
+  zeltest::checkAfterCall("RTFDataZEL = rtf", zelhost::takeRaisedException(), {});
   return 0;
 }

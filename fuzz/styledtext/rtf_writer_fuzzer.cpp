@@ -175,7 +175,7 @@ std::vector<StyledUnit> readBackUnits(const std::vector<StyledRun>& runs) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  zelfuzz::loadPlugin();
+  zeltest::loadPlugin();
   return 0;
 }
 
@@ -204,7 +204,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   zelhost::release(rtf);
   zelhost::release(copy);
   zelhost::release(original);
-  zelfuzz::checkAfterCall("RTFDataZEL", raised, {});
-  if (!same) zelfuzz::fail("text or style changed on the way through RTF", written);
+  zeltest::checkAfterCall("RTFDataZEL", raised, {});
+  if (!same) zeltest::fail("text or style changed on the way through RTF", written);
   return 0;
 }

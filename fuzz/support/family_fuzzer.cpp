@@ -7,7 +7,7 @@
 
 #include "support/host_call.h"
 
-namespace zelfuzz {
+namespace zeltest {
 namespace {
 
 std::vector<const zelhost::RegisteredMember*> membersOf(const Family& family) {
@@ -40,4 +40,4 @@ int fuzzFamily(const Family& family, const std::uint8_t* data, std::size_t size)
   return 0;
 }
 
-}  // namespace zelfuzz
+}  // namespace zeltest

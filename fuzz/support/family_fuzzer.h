@@ -9,7 +9,7 @@
 
 #include "support/fuzz_host.h"
 
-namespace zelfuzz {
+namespace zeltest {
 
 struct Family {
   std::span<const std::string_view> functions;       // registered names
@@ -23,14 +23,14 @@ inline constexpr DocumentedException kAllocationFailure{"OutOfMemoryException",
 
 int fuzzFamily(const Family& family, const std::uint8_t* data, std::size_t size);
 
-}  // namespace zelfuzz
+}  // namespace zeltest
 
 // The libFuzzer entry points of a family's target.
 #define ZEL_FAMILY_FUZZER(family)                                                     \
   extern "C" int LLVMFuzzerInitialize(int*, char***) {                                \
-    zelfuzz::loadPlugin();                                                            \
+    zeltest::loadPlugin();                                                            \
     return 0;                                                                         \
   }                                                                                   \
   extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) { \
-    return zelfuzz::fuzzFamily(family, data, size);                                   \
+    return zeltest::fuzzFamily(family, data, size);                                   \
   }

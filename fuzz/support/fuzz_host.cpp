@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
-namespace zelfuzz {
+namespace zeltest {
 namespace {
 
 zelhost::LiveCounts gBaseline;
@@ -49,4 +49,4 @@ void checkAfterCall(std::string_view call, const std::optional<zelhost::RaisedEx
        raised->className + ": " + raised->message);
 }
 
-}  // namespace zelfuzz
+}  // namespace zeltest

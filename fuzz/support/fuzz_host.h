@@ -10,7 +10,7 @@
 
 #include "stand_in_host.h"
 
-namespace zelfuzz {
+namespace zeltest {
 
 // Configures the host and loads the plug-in built beside the targets; call once per process.
 void loadPlugin();
@@ -32,4 +32,4 @@ struct DocumentedException {
 void checkAfterCall(std::string_view call, const std::optional<zelhost::RaisedException>& raised,
                     std::span<const DocumentedException> documented);
 
-}  // namespace zelfuzz
+}  // namespace zeltest

@@ -14,7 +14,7 @@
 #include "calls.h"
 #include "ffi_types.h"
 
-namespace zelfuzz {
+namespace zeltest {
 namespace {
 
 using zelhost::detail::CType;
@@ -220,4 +220,4 @@ std::optional<zelhost::RaisedException> callWithFuzzedArguments(
   return zelhost::takeRaisedException();
 }
 
-}  // namespace zelfuzz
+}  // namespace zeltest

@@ -11,7 +11,7 @@
 
 #include "stand_in_host.h"
 
-namespace zelfuzz {
+namespace zeltest {
 
 // Calls `member` through its C function, then releases the result and every argument as the
 // host does. `sizeParameters` names (lower case) the integer parameters that size an allocation:
@@ -21,4 +21,4 @@ std::optional<zelhost::RaisedException> callWithFuzzedArguments(
     const zelhost::RegisteredMember& member, FuzzedDataProvider& input,
     std::span<const std::string_view> sizeParameters);
 
-}  // namespace zelfuzz
+}  // namespace zeltest

@@ -10,6 +10,7 @@
 #include "framework/exceptions.h"
 #include "framework/host_api.h"
 #include "framework/plugin_state.h"
+#include "framework/tagged_string.h"
 #include "platform/platform.h"
 
 namespace zel {
@@ -19,10 +20,6 @@ namespace {
 constexpr std::int64_t kMaxBuildCount = std::int64_t{1} << 31;
 // Old hosts' UTF-32 path converts short texts without touching the allocator.
 constexpr std::size_t kLocalCodePoints = 200;
-
-bool hostBuildsWithEncoding() noexcept {
-  return pluginState().hostVersion >= kVersionWithEncodedBuild;
-}
 
 bool hostTakesUtf32() noexcept {
   return pluginState().hostVersion >= kVersionWithModules;
@@ -34,12 +31,7 @@ bool isSingleByteEncoding(std::uint32_t value) noexcept {
 }
 
 REALstring buildTagged(const void* data, RBInteger byteCount, std::uint32_t encoding) noexcept {
-  const auto* bytes = static_cast<const char*>(data);
-  const int count = static_cast<int>(byteCount);
-  if (hostBuildsWithEncoding()) return host::REALBuildStringWithEncoding(bytes, count, encoding);
-  REALstring built = host::REALBuildString(bytes, count);
-  if (built != nullptr) host::REALSetStringEncoding(built, encoding);
-  return built;
+  return buildTaggedString(static_cast<const char*>(data), static_cast<int>(byteCount), encoding);
 }
 
 // Takes over `intermediate` and returns it converted to UTF-8.
@@ -90,7 +82,7 @@ REALstring REALBuildUnicodeString(const void* data, RBInteger byteCount,
 }
 
 REALstring REALBuildUnicodeStringUTF16(const void* data, RBInteger byteCount) noexcept {
-  if (hostBuildsWithEncoding()) {
+  if (pluginState().hostVersion >= kVersionWithEncodedBuild) {
     return toUtf8(buildTagged(data, byteCount, encoding::kUTF16));
   }
   REALstring built =

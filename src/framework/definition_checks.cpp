@@ -25,8 +25,11 @@ bool countDisagrees(const Row* rows, std::size_t count) noexcept {
   return count != 0 ? rows == nullptr || count > kMaximumListed : rows != nullptr;
 }
 
+// The console bit among the target bits (flags::kTargetMask).
+constexpr std::uint32_t kTargetConsole = 0x8;
+
 bool consoleSafe(std::uint32_t flags) noexcept {
-  return (flags & (flags::kConsoleSafe | 0x8)) != 0;
+  return (flags & (flags::kConsoleSafe | kTargetConsole)) != 0;
 }
 
 const char* orEmpty(const char* text) noexcept {
@@ -284,14 +287,8 @@ void checkClassConsoleSafety(const REALclassDefinition& c) noexcept {
                              rowsOf(c.sharedProperties, c.sharedPropertyCount));
 }
 
-}  // namespace
-
-void checkClassExtension(const REALclassDefinition* definition) noexcept {
-  const char* name = checkPrologue(definition, kClassMessages, [](std::uint32_t version) {
-    return version == kCurrentREALControlVersion;
-  });
-  if (name == nullptr) return;
-  const REALclassDefinition& c = *definition;
+// The record's own fields and which member lists it may have at all.
+void checkClassRecord(const char* name, const REALclassDefinition& c) noexcept {
   if (c.superName != nullptr)
     debugLogFinding("Error: A class extension can't have super name: %s", c.superName);
   if (c.dataSize != 0)
@@ -320,7 +317,9 @@ void checkClassExtension(const REALclassDefinition* definition) noexcept {
   reportPresence("Error: The class extension %s has delegates %d", name, c.delegates,
                  c.delegateCount);
   reportPresence("Error: The class extension %s has enums: %d", name, c.enums, c.enumCount);
+}
 
+void checkClassMembers(const char* name, const REALclassDefinition& c) noexcept {
   checkMembers(kMethodKind, name, c.methods, c.methodCount);
   checkProperties(name, c.properties, c.propertyCount);
   checkMembers(kConstantKind, name, c.constants, c.constantCount);
@@ -338,7 +337,18 @@ void checkClassExtension(const REALclassDefinition* definition) noexcept {
               c.sharedPropertyCount);
   reportCount("Warning: The class extension %s has the sharedMethods value: %d", name,
               c.sharedMethodCount);
+}
 
+}  // namespace
+
+void checkClassExtension(const REALclassDefinition* definition) noexcept {
+  const char* name = checkPrologue(definition, kClassMessages, [](std::uint32_t version) {
+    return version == kCurrentREALControlVersion;
+  });
+  if (name == nullptr) return;
+  const REALclassDefinition& c = *definition;
+  checkClassRecord(name, c);
+  checkClassMembers(name, c);
   if (std::islower(static_cast<unsigned char>(name[0])))
     debugLogFinding("Error: The class extension name %s does not start with capital letter.", name);
 

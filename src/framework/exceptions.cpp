@@ -1,14 +1,15 @@
 #include "framework/exceptions.h"
 
+#include <cstring>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
 
-#include "bridge/string_builders.h"
+#include "base/out_of_memory_error.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
-#include "framework/out_of_memory_error.h"
+#include "framework/tagged_string.h"
 
 namespace zel {
 namespace {
@@ -18,7 +19,7 @@ struct Translation {
   const char* className;
 };
 
-// First match wins; the repeated underflow row can never match and is kept as it stands.
+// First match wins.
 Translation translationFor(const std::exception& failure) noexcept {
   if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr)
     return {"Failed to allocate memory", "OutOfMemoryException"};
@@ -36,7 +37,9 @@ Translation translationFor(const std::exception& failure) noexcept {
 }  // namespace
 
 void RaiseHostException(const char* className, const char* message) noexcept {
-  const REALstring text = CString2RB(message, encoding::kUTF8);
+  const std::size_t length = message == nullptr ? 0 : std::strlen(message);
+  const REALstring text =
+      length == 0 ? nullptr : buildTaggedString(message, static_cast<int>(length), encoding::kUTF8);
   REALobject exception = host::PluginNewInstance(className);
   if (exception == nullptr) exception = host::PluginNewInstance("RuntimeException");
   if (exception != nullptr) {

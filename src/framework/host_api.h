@@ -4,49 +4,31 @@
 
 #include <cstdint>
 
+#include "sdk/host_services.h"
 #include "sdk/host_types.h"
 
 namespace zel::host {
 
-REALstring REALBuildString(const char* bytes, int length) noexcept;
-REALstring REALBuildStringWithEncoding(const char* bytes, int length,
-                                       std::uint32_t encoding) noexcept;
-REALstring REALConvertString(REALstring s, std::uint32_t encoding) noexcept;
-std::uint32_t REALGetStringEncoding(REALstring s) noexcept;
-void REALSetStringEncoding(REALstring s, std::uint32_t encoding) noexcept;
-bool PluginGetStringData(REALstring s, std::uint32_t encoding, REALstringData* data) noexcept;
-void PluginDisposeStringData(REALstringData* data) noexcept;
+#define ZEL_WRAPPER_DECLARATION_Value(Name, Result, Parameters) Result Name Parameters noexcept;
+#define ZEL_WRAPPER_DECLARATION_Success(Name, Result, Parameters) bool Name Parameters noexcept;
+#define ZEL_WRAPPER_DECLARATION_Action(Name, Result, Parameters) void Name Parameters noexcept;
+#define ZEL_WRAPPER_DECLARATION_Own(Name, Result, Parameters)
+#define ZEL_WRAPPER_DECLARATION_Startup(Name, Result, Parameters)
+#define ZEL_WRAPPER_DECLARATION(Shape, Name, Result, Parameters, Arguments) \
+  ZEL_WRAPPER_DECLARATION_##Shape(Name, Result, Parameters)
+ZEL_HOST_SERVICES(ZEL_WRAPPER_DECLARATION)
+#undef ZEL_WRAPPER_DECLARATION
+#undef ZEL_WRAPPER_DECLARATION_Value
+#undef ZEL_WRAPPER_DECLARATION_Success
+#undef ZEL_WRAPPER_DECLARATION_Action
+#undef ZEL_WRAPPER_DECLARATION_Own
+#undef ZEL_WRAPPER_DECLARATION_Startup
+
 // The stored bytes; when `length` is given, the byte length from the host's "LenB" (left
 // unwritten when that method cannot be loaded). Nil gives null and no length.
 const char* StringGetCString(REALstring s, RBInteger* length = nullptr) noexcept;
-void REALLockString(REALstring s) noexcept;
-void REALUnlockString(REALstring s) noexcept;
 std::int32_t RuntimeStringCompare(REALstring a, REALstring b) noexcept;
-void REALLockObject(REALobject o) noexcept;
-void REALUnlockObject(REALobject o) noexcept;
-REALobject PluginNewInstance(const char* className) noexcept;
-void* REALLoadObjectMethod(REALobject o, const char* declaration) noexcept;
-void* REALLoadGlobalMethod(const char* module, const char* declaration) noexcept;
-bool REALGetPropValueBool(REALobject o, const char* name, RBBoolean* value) noexcept;
-bool REALGetPropValueColor(REALobject o, const char* name, RBColor* value) noexcept;
-bool REALGetPropValueInteger(REALobject o, const char* name, RBInteger* value) noexcept;
-bool REALGetPropValueString(REALobject o, const char* name, REALstring* value) noexcept;
-bool REALSetPropValueBoolean(REALobject o, const char* name, RBBoolean value) noexcept;
-bool REALSetPropValueInteger(REALobject o, const char* name, RBInteger value) noexcept;
-bool REALSetPropValueString(REALobject o, const char* name, REALstring value) noexcept;
-bool REALSetPropValueUInt32(REALobject o, const char* name, std::uint32_t value) noexcept;
-void RuntimeRaiseException(REALobject exception) noexcept;
-REALarray RuntimeArrayCreateSingleDimBoundedArray(std::int32_t elementType,
-                                                  RBInteger upperBound) noexcept;
-RBInteger RuntimeUBound(REALarray a) noexcept;
 // Resolves the array's insert procedure and, when there is one, inserts `s` at `index`.
 void PluginStringArrayInsert(REALarray a, RBInteger index, REALstring s) noexcept;
-REALobject PluginCallFunctionWithExceptionHandler(service::ExceptionHandledFunction work,
-                                                  void* context) noexcept;
-void REALYieldToRB() noexcept;
-bool REALinRuntime() noexcept;
-void PluginRegisterClassExtension(REALclassDefinition* definition) noexcept;
-void PluginRegisterMethod(REALmethodDefinition* definition) noexcept;
-void PluginRegisterModule(REALmoduleDefinition* definition) noexcept;
 
 }  // namespace zel::host

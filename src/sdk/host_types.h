@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/text_encodings.h"
+
 using RBInteger = std::intptr_t;
 using RBInt64 = std::int64_t;
 using RBUInt64 = std::uint64_t;
@@ -169,6 +171,9 @@ struct REALstringData {
   std::uint32_t hostPrivate2;
 };
 
+// A string the host builds keeps its bytes inline exactly this far behind its handle.
+inline constexpr std::ptrdiff_t kInlineStringDataOffset = 42;
+
 // One set of declarations serves every target. On 64-bit targets a 32-bit field is padded to 8;
 // on 32-bit targets pointers, size_t and RBInteger are all 4 bytes, so every record is its field
 // count times 4 and the 64-bit sizes (a 48-byte method row, a 216-byte module record with its
@@ -209,21 +214,6 @@ static_assert(sizeof(REALstringData) == 20);
 #error "host records are laid out for 32-bit and 64-bit targets only"
 #endif
 
-namespace encoding {
-inline constexpr std::uint32_t kMacRoman = 0x0;
-inline constexpr std::uint32_t kUTF16 = 0x100;
-inline constexpr std::uint32_t kISOLatin1 = 0x201;
-inline constexpr std::uint32_t kWindowsLatin1 = 0x500;
-inline constexpr std::uint32_t kASCII = 0x600;
-inline constexpr std::uint32_t kUTF8 = 0x08000100;
-inline constexpr std::uint32_t kUTF32 = 0x0C000100;
-inline constexpr std::uint32_t kUTF16BE = 0x10000100;
-inline constexpr std::uint32_t kUTF16LE = 0x14000100;
-inline constexpr std::uint32_t kUTF32BE = 0x18000100;
-inline constexpr std::uint32_t kUTF32LE = 0x1C000100;
-inline constexpr std::uint32_t kNone = 0xFFFF;
-}  // namespace encoding
-
 namespace flags {
 inline constexpr std::uint32_t kRuntimeOnly = 2;
 inline constexpr std::uint32_t kConsoleSafe = 4;
@@ -246,46 +236,10 @@ inline const REALproc kPlainOffsetAccessor = reinterpret_cast<REALproc>(~std::ui
 
 using REALresolver = void* (*)(const char* name);
 
-// Service signatures, by the host's names.
+// Types the services' signatures (sdk/host_services.h) and host methods use.
 namespace service {
-using REALBuildString = REALstring (*)(const char*, int);
-using REALBuildStringWithEncoding = REALstring (*)(const char*, int, std::uint32_t);
-using REALConvertString = REALstring (*)(REALstring, std::uint32_t);
-using REALGetStringEncoding = std::uint32_t (*)(REALstring);
-using REALSetStringEncoding = void (*)(REALstring, std::uint32_t);
-using PluginGetStringData = RBBoolean (*)(REALstring, std::uint32_t, REALstringData*);
-using PluginDisposeStringData = void (*)(REALstringData*);
-using StringGetCString = void* (*)(REALstring);
-using REALLockString = void (*)(REALstring);
-using REALUnlockString = void (*)(REALstring);
-using REALLockObject = void (*)(REALobject);
-using REALUnlockObject = void (*)(REALobject);
-using RuntimeStringCompare = RBInteger (*)(REALstring, REALstring);
-using PluginNewInstance = REALobject (*)(const char*);
-using REALLoadObjectMethod = void* (*)(REALobject, const char*);
-using REALLoadGlobalMethod = void* (*)(const char*, const char*);
-using REALGetPropValueBool = RBBoolean (*)(REALobject, const char*, RBBoolean*);
-using REALGetPropValueColor = RBBoolean (*)(REALobject, const char*, RBColor*);
-using REALGetPropValueInteger = RBBoolean (*)(REALobject, const char*, RBInteger*);
-using REALGetPropValueString = RBInteger (*)(REALobject, const char*, REALstring*);
-using REALSetPropValueBoolean = RBBoolean (*)(REALobject, const char*, RBBoolean);
-using REALSetPropValueInteger = RBBoolean (*)(REALobject, const char*, RBInteger);
-using REALSetPropValueString = RBBoolean (*)(REALobject, const char*, REALstring);
-using REALSetPropValueUInt32 = RBBoolean (*)(REALobject, const char*, std::uint32_t);
-using RuntimeRaiseException = void (*)(REALobject);
-using RuntimeArrayCreateSingleDimBoundedArray = REALarray (*)(std::int32_t, RBInteger);
-using RuntimeUBound = RBInteger (*)(REALarray);
 using StringArrayInsert = void (*)(REALarray, RBInteger, REALstring);
-using PluginStringArrayInsertProc = StringArrayInsert (*)(REALarray);
 using ExceptionHandledFunction = void (*)(void*);
-using PluginCallFunctionWithExceptionHandler = REALobject (*)(ExceptionHandledFunction, void*);
-using REALYieldToRB = void (*)();
-using REALinRuntime = RBBoolean (*)();
-using PluginRegisterClassExtension = void (*)(REALclassDefinition*);
-using PluginRegisterMethod = void (*)(REALmethodDefinition*);
-using PluginRegisterModule = void (*)(REALmoduleDefinition*);
-using REALGetRBVersion = double (*)();
-using RegisterPluginVersion = void (*)(int);
 // Host methods loaded by declaration.
 using LenB = RBInteger (*)(REALstring);
 }  // namespace service

@@ -187,12 +187,10 @@ std::string repeatToLength(std::int64_t length, std::string_view content) {
   return out;
 }
 
-bool wipeInlineStringBytes(std::span<std::uint8_t> bytes, std::ptrdiff_t dataOffsetFromHandle) {
-  if (dataOffsetFromHandle != kInlineStringDataOffset) return false;
+void wipeBytes(std::span<std::uint8_t> bytes) {
   // Volatile, so that a wipe nobody reads back is still done.
   volatile std::uint8_t* const wiped = bytes.data();
   for (std::size_t i = 0; i < bytes.size(); ++i) wiped[i] = 0;
-  return true;
 }
 
 std::string randomBytes(std::int64_t length, bool ascii, RandomFill fill) {
@@ -250,27 +248,27 @@ std::string replaceNonPrintable(std::string_view bytes, std::int64_t replacement
 
 int detectUnicodeMarker(std::string_view bytes) {
   // UTF-32 little-endian first: its mark begins with the UTF-16 little-endian one.
-  if (bytes.starts_with("\xFF\xFE\0\0"sv)) return 7;
-  if (bytes.starts_with("\0\0\xFE\xFF"sv)) return 6;
-  if (bytes.starts_with("\xEF\xBB\xBF"sv)) return 1;
-  if (bytes.starts_with("\xFE\xFF"sv)) return 3;
-  if (bytes.starts_with("\xFF\xFE"sv)) return 4;
-  return 0;
+  if (bytes.starts_with("\xFF\xFE\0\0"sv)) return kUtf32LittleEndianMarker;
+  if (bytes.starts_with("\0\0\xFE\xFF"sv)) return kUtf32BigEndianMarker;
+  if (bytes.starts_with("\xEF\xBB\xBF"sv)) return kUtf8Marker;
+  if (bytes.starts_with("\xFE\xFF"sv)) return kUtf16BigEndianMarker;
+  if (bytes.starts_with("\xFF\xFE"sv)) return kUtf16LittleEndianMarker;
+  return kNoMarker;
 }
 
 std::optional<UnicodeMarker> unicodeMarker(std::int64_t kind) {
   switch (kind) {
-    case 1:
+    case kUtf8Marker:
       return UnicodeMarker{"\xEF\xBB\xBF"sv, UnicodeForm::utf8};
-    case 3:
+    case kUtf16BigEndianMarker:
       return UnicodeMarker{"\xFE\xFF"sv, UnicodeForm::utf16};
-    case 2:
-    case 4:
+    case kUtf16LittleEndianMarkerAlias:
+    case kUtf16LittleEndianMarker:
       return UnicodeMarker{"\xFF\xFE"sv, UnicodeForm::utf16};
-    case 6:
+    case kUtf32BigEndianMarker:
       return UnicodeMarker{"\0\0\xFE\xFF"sv, UnicodeForm::utf32};
-    case 5:
-    case 7:
+    case kUtf32LittleEndianMarkerAlias:
+    case kUtf32LittleEndianMarker:
       return UnicodeMarker{"\xFF\xFE\0\0"sv, UnicodeForm::utf32};
     default:
       return std::nullopt;

@@ -52,11 +52,8 @@ int compareBytesZeroPadded(std::string_view a, std::string_view b);
 // length < 1. Throws std::bad_alloc when the memory cannot be had.
 std::string repeatToLength(std::int64_t length, std::string_view content);
 
-// The host keeps a string's bytes inline exactly this far behind its handle.
-inline constexpr std::ptrdiff_t kInlineStringDataOffset = 42;
-
-// Zeroes the host string's bytes when they lie inline in its object; true when it did.
-bool wipeInlineStringBytes(std::span<std::uint8_t> bytes, std::ptrdiff_t dataOffsetFromHandle);
+// Zeroes bytes, even when nobody reads them afterwards.
+void wipeBytes(std::span<std::uint8_t> bytes);
 
 using RandomFill = void (*)(std::span<std::uint8_t>);
 
@@ -75,8 +72,18 @@ bool isAscii(std::string_view bytes, std::int64_t mode);
 // Bytes outside 32 to 127 become the low 8 bits of replacement.
 std::string replaceNonPrintable(std::string_view bytes, std::int64_t replacement);
 
-// 1 UTF-8, 3 UTF-16 big-endian, 4 UTF-16 little-endian, 6 UTF-32 big-endian, 7 UTF-32
-// little-endian, 0 for no mark.
+// Kinds of byte-order mark, as the registered functions number them. Writing also takes the
+// aliases 2 and 5 for the little-endian forms.
+inline constexpr int kNoMarker = 0;
+inline constexpr int kUtf8Marker = 1;
+inline constexpr int kUtf16LittleEndianMarkerAlias = 2;
+inline constexpr int kUtf16BigEndianMarker = 3;
+inline constexpr int kUtf16LittleEndianMarker = 4;
+inline constexpr int kUtf32LittleEndianMarkerAlias = 5;
+inline constexpr int kUtf32BigEndianMarker = 6;
+inline constexpr int kUtf32LittleEndianMarker = 7;
+
+// The kind of mark the bytes start with; kNoMarker for none.
 int detectUnicodeMarker(std::string_view bytes);
 
 enum class UnicodeForm { utf8, utf16, utf32 };
@@ -86,8 +93,7 @@ struct UnicodeMarker {
   UnicodeForm form;  // the text encoding the marker's string carries
 };
 
-// The mark for a kind of detectUnicodeMarker (2 and 5 are the little-endian forms); nullopt for
-// any other kind.
+// The mark for a kind, aliases included; nullopt for any other kind.
 std::optional<UnicodeMarker> unicodeMarker(std::int64_t kind);
 
 }  // namespace zel::strings

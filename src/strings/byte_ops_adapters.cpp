@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/out_of_memory_error.h"
 #include "bridge/adapter_support.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
-#include "framework/out_of_memory_error.h"
 #include "strings/byte_ops.h"
 
 namespace zel::adapters {
@@ -176,7 +176,10 @@ RBBoolean ClearStringContentZEL(REALstring s) noexcept {
       debugLogPointer("myData", data);
     }
     const std::size_t count = data == nullptr || size < 0 ? 0 : static_cast<std::size_t>(size);
-    return strings::wipeInlineStringBytes({reinterpret_cast<std::uint8_t*>(data), count}, offset);
+    // Only bytes inside the string's own object are the host's to wipe.
+    if (offset != kInlineStringDataOffset) return false;
+    strings::wipeBytes({reinterpret_cast<std::uint8_t*>(data), count});
+    return true;
   });
 }
 

@@ -10,6 +10,11 @@
 namespace zel::strings {
 namespace {
 
+// Headroom beyond the expected output, so that a text with a few entities never regrows.
+constexpr std::size_t kOutputSlack = 4096;
+// The most UTF-8 bytes one character can take.
+constexpr std::size_t kMaxUtf8BytesPerCharacter = 4;
+
 constexpr bool isMarkupCharacter(char32_t c) {
   return c == U'"' || c == U'&' || c == U'\'' || c == U'<' || c == U'>';
 }
@@ -273,7 +278,7 @@ std::optional<std::string> encodeHtmlEntities(std::u32string_view text, std::int
   const bool markupAsIs = (options & kEntityOptionBit) != 0;
   text = withoutByteOrderMark(text);
   std::string out;
-  out.reserve(4 * text.size() + 4096);
+  out.reserve(kMaxUtf8BytesPerCharacter * text.size() + kOutputSlack);
   const auto copiedAsIs = [markupAsIs](char32_t c) {
     return c < 128 && (markupAsIs ? c >= 32 : kPlainAscii[c]);
   };
@@ -309,7 +314,7 @@ std::optional<std::u32string> encodeXmlEntities(std::u32string_view text, std::i
   const bool namedApostrophe = (options & kEntityOptionBit) != 0;
   text = withoutByteOrderMark(text);
   std::u32string out;
-  out.reserve(text.size() + 4096);
+  out.reserve(text.size() + kOutputSlack);
   const auto copiedAsIs = [](char32_t c) { return c >= 128 || kPlainAscii[c]; };
   for (std::size_t i = 0; i < text.size();) {
     const std::size_t run = plainRunLength(text.substr(i), copiedAsIs);
@@ -331,7 +336,7 @@ std::optional<std::u32string> encodeXmlEntities(std::u32string_view text, std::i
 std::u32string decodeEntities(std::u32string_view text) {
   text = withoutByteOrderMark(text);
   std::u32string out;
-  out.reserve(text.size() + 4096);
+  out.reserve(text.size() + kOutputSlack);
   std::size_t i = 0;
   while (i < text.size()) {
     const std::size_t ampersand = std::min(text.find(U'&', i), text.size());

@@ -6,7 +6,7 @@
 #include <new>
 #include <string_view>
 
-#include "framework/out_of_memory_error.h"
+#include "base/out_of_memory_error.h"
 
 namespace zel::strings {
 namespace {

@@ -8,7 +8,7 @@
 #include <numeric>
 #include <vector>
 
-#include "framework/out_of_memory_error.h"
+#include "base/out_of_memory_error.h"
 
 namespace zel::strings {
 namespace {

@@ -42,8 +42,8 @@ constexpr bool isHexDigit(char c) {
   return kHexValue[static_cast<unsigned char>(c)] != kNotHex;
 }
 
-// Whether the URL encoder escapes a byte, one table per value of options & 3: space and plus
-// depend on the options (option 1 writes an unescaped space as "+").
+// Whether the URL encoder escapes a byte, one table per mode (options & kUrlEncodeModeBits): space
+// and plus depend on the options (option 1 writes an unescaped space as "+").
 inline constexpr std::array<std::array<bool, 256>, 4> kUrlEscaped = [] {
   std::array<std::array<bool, 256>, 4> modes{};
   for (auto& escaped : modes) {

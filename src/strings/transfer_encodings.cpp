@@ -35,8 +35,11 @@ std::size_t lineBreakLength(std::string_view bytes, std::size_t at) {
 // Writes through a cursor into a buffer that grows on demand; the hot path is a few compares.
 class QuotedPrintableWriter {
  public:
+  // Room for the soft breaks and escapes of a typical text before the buffer first grows.
+  static constexpr std::size_t kInitialSlack = 1024;
+
   QuotedPrintableWriter(std::size_t inputSize, std::int64_t lineLength)
-      : out_(inputSize + 1024, '\0'), breakColumn_(lineLength - 1) {}
+      : out_(inputSize + kInitialSlack, '\0'), breakColumn_(lineLength - 1) {}
 
   void put(char c) {
     breakBefore(1);
@@ -122,7 +125,7 @@ std::string decodeHex(std::string_view asciiText) {
 }
 
 std::string encodeUrl(std::string_view bytes, std::int64_t options) {
-  const auto& escaped = tables::kUrlEscaped[static_cast<std::size_t>(options & 3)];
+  const auto& escaped = tables::kUrlEscaped[static_cast<std::size_t>(options & kUrlEncodeModeBits)];
   const auto escapes = static_cast<std::size_t>(
       std::count_if(bytes.begin(), bytes.end(), [&](char c) { return escaped[byteOf(c)]; }));
   // Every byte writes three places and keeps one or all of them: two spare bytes at the end.
@@ -139,7 +142,7 @@ std::string encodeUrl(std::string_view bytes, std::int64_t options) {
 }
 
 std::string decodeUrl(std::string_view bytes, std::int64_t options) {
-  const bool plusIsSpace = (options & 1) != 0;
+  const bool plusIsSpace = (options & kUrlPlusIsSpaceBit) != 0;
   std::string out(bytes.size(), '\0');
   char* cursor = out.data();
   std::size_t i = 0;

@@ -15,10 +15,15 @@ std::string encodeHex(std::string_view bytes);
 // Pairs of digits to bytes; an odd last character is ignored, bad digits count as 0.
 std::string decodeHex(std::string_view asciiText);
 
-// options & 3: 1 writes space as "+" and escapes plus, 2 escapes both, 0 and 3 escape only space.
+// The URL encoder's mode, options & kUrlEncodeModeBits: 1 writes space as "+" and escapes plus,
+// 2 escapes both, 0 and 3 escape only space.
+inline constexpr std::int64_t kUrlEncodeModeBits = 3;
+// The URL decoder's option bit that turns "+" into a space.
+inline constexpr std::int64_t kUrlPlusIsSpaceBit = 1;
+
 std::string encodeUrl(std::string_view bytes, std::int64_t options);
 
-// "%" and the next two characters give one byte; options & 1 turns "+" into a space.
+// "%" and the next two characters give one byte.
 std::string decodeUrl(std::string_view bytes, std::int64_t options);
 
 // Lines end in CR LF; no line (its soft break included) is longer than lineLength - 1 characters.

@@ -6,7 +6,7 @@
 #include <new>
 #include <vector>
 
-#include "framework/out_of_memory_error.h"
+#include "base/out_of_memory_error.h"
 #include "strings/decomposition_table.h"
 
 namespace zel::strings {

@@ -5,12 +5,9 @@
 #include <array>
 #include <cstdint>
 
-namespace zel::styledtext {
+#include "base/text_encodings.h"
 
-inline constexpr std::uint32_t kEncodingMacRoman = 0x0000;
-inline constexpr std::uint32_t kEncodingUtf16 = 0x0100;  // native byte order
-inline constexpr std::uint32_t kEncodingWindowsLatin1 = 0x0500;
-inline constexpr std::uint32_t kEncodingUtf8 = 0x08000100;
+namespace zel::styledtext {
 
 struct CodePageEncoding {
   std::int64_t codePage;
@@ -39,7 +36,7 @@ constexpr std::uint32_t encodingForCodePage(std::int64_t codePage) {
       kCodePageEncodings.begin(), kCodePageEncodings.end(), codePage,
       [](const CodePageEncoding& e, std::int64_t page) { return e.codePage < page; });
   if (entry != kCodePageEncodings.end() && entry->codePage == codePage) return entry->encoding;
-  return kEncodingWindowsLatin1;
+  return encoding::kWindowsLatin1;
 }
 
 }  // namespace zel::styledtext

@@ -16,14 +16,12 @@
 namespace zel::adapters {
 namespace {
 
-constexpr std::size_t kPendingTextReserve = 10000;
-
 // The reader's building steps, carried out on a host StyledText. The paragraph count that the
 // last append reported is remembered, so each run costs the host two counts, not four.
 class HostStyledTextSink final : public styledtext::StyledTextSink {
  public:
   explicit HostStyledTextSink(REALobject styledText) : styledText_(styledText) {
-    text_.reserve(kPendingTextReserve);
+    text_.reserve(styledtext::kPendingTextReserve);
   }
 
   void clear() override {
@@ -38,7 +36,7 @@ class HostStyledTextSink final : public styledtext::StyledTextSink {
 
   void appendStyleRun(const styledtext::RunStyle& style, const styledtext::RunText& text) override {
     std::optional<RBInteger> after;
-    if (text.encoding == styledtext::kEncodingUtf16 && text.bytes.size() == sizeof(char16_t)) {
+    if (text.encoding == encoding::kUTF16 && text.bytes.size() == sizeof(char16_t)) {
       char16_t unit = 0;
       std::memcpy(&unit, text.bytes.data(), sizeof unit);
       REALobject run = makeRun(style);

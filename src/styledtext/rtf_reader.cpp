@@ -14,7 +14,6 @@
 namespace zel::styledtext {
 namespace {
 
-constexpr std::size_t kPendingReserve = 10000;
 constexpr std::int64_t kNoParameter = -1;
 
 struct Rgb {
@@ -26,7 +25,7 @@ struct Rgb {
 struct GroupState {
   std::size_t font = 0;  // slot in the font-name pool; slot 0 is the empty name
   std::int64_t size = 0;
-  std::uint32_t encoding = kEncodingWindowsLatin1;
+  std::uint32_t encoding = ::encoding::kWindowsLatin1;
   Rgb color;
   bool bold = false;
   bool italic = false;
@@ -146,33 +145,16 @@ constexpr std::array<KnownWord, 25> kKnownWords{{
     {"upr", WordAction::kFontSize},  // kept as a second spelling of "fs"
 }};
 
-// Control words are short: comparing them in line beats a library call per probe.
-constexpr bool sameWord(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t at = 0; at < a.size(); ++at) {
-    if (a[at] != b[at]) return false;
-  }
-  return true;
-}
-
-constexpr bool wordBefore(std::string_view a, std::string_view b) {
-  const std::size_t common = std::min(a.size(), b.size());
-  for (std::size_t at = 0; at < common; ++at) {
-    if (a[at] != b[at]) return a[at] < b[at];
-  }
-  return a.size() < b.size();
-}
-
 static_assert(std::is_sorted(kKnownWords.begin(), kKnownWords.end(),
                              [](const KnownWord& a, const KnownWord& b) {
-                               return wordBefore(a.word, b.word);
+                               return a.word < b.word;
                              }));
 
 std::optional<WordAction> actionFor(std::string_view word) {
-  const auto* known = std::lower_bound(
-      kKnownWords.begin(), kKnownWords.end(), word,
-      [](const KnownWord& entry, std::string_view w) { return wordBefore(entry.word, w); });
-  if (known != kKnownWords.end() && sameWord(known->word, word)) return known->action;
+  const auto* known =
+      std::lower_bound(kKnownWords.begin(), kKnownWords.end(), word,
+                       [](const KnownWord& entry, std::string_view w) { return entry.word < w; });
+  if (known != kKnownWords.end() && known->word == word) return known->action;
   return std::nullopt;
 }
 
@@ -320,10 +302,10 @@ constexpr std::array<StyleSetter, indexOf(WordAction::kCount)> kStyleSetters = [
     target.group.encoding = encodingForCodePage(value);
   };
   setters[indexOf(WordAction::kAnsi)] = [](StyleTarget& target, std::int64_t) {
-    target.group.encoding = kEncodingWindowsLatin1;
+    target.group.encoding = encoding::kWindowsLatin1;
   };
   setters[indexOf(WordAction::kMac)] = [](StyleTarget& target, std::int64_t) {
-    target.group.encoding = kEncodingMacRoman;
+    target.group.encoding = encoding::kMacRoman;
   };
   setters[indexOf(WordAction::kBold)] = [](StyleTarget& target, std::int64_t value) {
     target.group.bold = value != 0;
@@ -364,7 +346,7 @@ constexpr std::array<StyleSetter, indexOf(WordAction::kCount)> kStyleSetters = [
 class Reader {
  public:
   Reader(std::string_view rtf, StyledTextSink& sink) : in_(rtf), sink_(sink) {
-    pending_.reserve(kPendingReserve);
+    pending_.reserve(kPendingTextReserve);
   }
 
   void read() {
@@ -442,7 +424,7 @@ class Reader {
     if (unit != 0) {
       std::array<char, sizeof unit> bytes{};
       std::memcpy(bytes.data(), &unit, sizeof unit);
-      addRun(*run_, RunText{std::string_view(bytes.data(), bytes.size()), kEncodingUtf16});
+      addRun(*run_, RunText{std::string_view(bytes.data(), bytes.size()), encoding::kUTF16});
     }
     run_.reset();
   }
@@ -472,7 +454,7 @@ class Reader {
   }
 
   void applyWord(const ControlWord& word) {
-    if (sameWord(word.word, "bin")) {
+    if (word.word == "bin") {
       if (word.parameter > 0) in_.advance(static_cast<std::size_t>(word.parameter));
       return;
     }
@@ -550,7 +532,7 @@ class Reader {
           continue;
         }
         const ControlWord word = in_.takeControlWord(braceBefore);
-        if (sameWord(word.word, "f")) {
+        if (word.word == "f") {
           index = word.parameter;
           nameDone = false;
         } else if (braceBefore) {
@@ -590,9 +572,9 @@ class Reader {
       } else if (c == '\\') {
         const ControlWord word = in_.takeControlWord(false);
         const auto component = static_cast<std::uint32_t>(word.parameter);
-        if (sameWord(word.word, "red")) entry.red = component;
-        if (sameWord(word.word, "green")) entry.green = component;
-        if (sameWord(word.word, "blue")) entry.blue = component;
+        if (word.word == "red") entry.red = component;
+        if (word.word == "green") entry.green = component;
+        if (word.word == "blue") entry.blue = component;
       }
     }
   }

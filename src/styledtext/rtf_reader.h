@@ -3,10 +3,14 @@
 // malformed input gives whatever runs were recognised.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 namespace zel::styledtext {
+
+// Bytes reserved up front for text waiting to become a run: most runs fit without regrowing.
+inline constexpr std::size_t kPendingTextReserve = 10000;
 
 // The style a run is created with.
 struct RunStyle {
@@ -19,7 +23,7 @@ struct RunStyle {
 };
 
 // A run's text: bytes in a host text encoding. Runs from "\u" hold one UTF-16 unit as two bytes in
-// native order, tagged kEncodingUtf16.
+// native order, tagged encoding::kUTF16.
 struct RunText {
   std::string_view bytes;
   std::uint32_t encoding;

@@ -16,7 +16,7 @@
 #include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
 
-namespace zel::testing {
+namespace zeltest {
 
 class BridgeTest : public ::testing::Test {
  protected:
@@ -31,7 +31,7 @@ class BridgeTest : public ::testing::Test {
   void SetUp() override {
     zelhost::configure({});
     useHostVersion(2025.03);
-    setDebugEnabled(true);
+    zel::setDebugEnabled(true);
     zelhost::captureLog(true);
   }
 
@@ -41,7 +41,7 @@ class BridgeTest : public ::testing::Test {
     zelhost::configure({});
   }
 
-  static void useHostVersion(double version) { detail::setHostVersionForTesting(version); }
+  static void useHostVersion(double version) { zel::detail::setHostVersionForTesting(version); }
 
   static std::vector<std::string> log() { return zelhost::capturedLog(); }
   static int logCount(std::string_view needle) {
@@ -53,10 +53,4 @@ class BridgeTest : public ::testing::Test {
   static bool logged(std::string_view needle) { return logCount(needle) > 0; }
 };
 
-using zeltest::utf16Bytes;
-using zeltest::utf32Bytes;
-
-// A host string owned by the test for its own scope.
-using TestString = zeltest::HostString;
-
-}  // namespace zel::testing
+}  // namespace zeltest

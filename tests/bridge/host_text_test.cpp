@@ -19,9 +19,9 @@ struct HostTextProbe {
 
 namespace {
 
-using testing::BridgeTest;
-using testing::TestString;
-using testing::utf16Bytes;
+using zeltest::BridgeTest;
+using zeltest::HostString;
+using zeltest::utf16Bytes;
 
 struct ViewCase {
   const char* name;
@@ -59,7 +59,7 @@ const ViewCase kViewCases[] = {
      u"A", U"A"},
     {"UTF-16 big-endian", std::string("\x00\x41\x00\xE9", 4), encoding::kUTF16BE, "A\xC3\xA9",
      u"A\u00E9", U"A\u00E9"},
-    {"UTF-32 little-endian", testing::utf32Bytes(U"\U0001F600z"), encoding::kUTF32LE,
+    {"UTF-32 little-endian", zeltest::utf32Bytes(U"\U0001F600z"), encoding::kUTF32LE,
      "\xF0\x9F\x98\x80z", u"\xD83D\xDE00z", U"\U0001F600z"},
     {"empty", "", encoding::kUTF8, "", u"", U"", ""},
 };
@@ -69,7 +69,7 @@ class HostTextTest : public BridgeTest {};
 TEST_F(HostTextTest, EveryViewOfEveryKindOfString) {
   for (const auto& c : kViewCases) {
     SCOPED_TRACE(c.name);
-    const TestString source(c.bytes, c.encoding);
+    const HostString source(c.bytes, c.encoding);
     HostText text(source);
     EXPECT_EQ(text.utf8(), c.utf8);
     EXPECT_EQ(text.utf16(), c.utf16);
@@ -95,7 +95,7 @@ TEST_F(HostTextTest, NilIsEmptyEverywhere) {
 
 TEST_F(HostTextTest, LogsTheConversionsItMakes) {
   {
-    const TestString bad(
+    const HostString bad(
         "a\xC0\x80"
         "b",
         encoding::kUTF8);
@@ -105,7 +105,7 @@ TEST_F(HostTextTest, LogsTheConversionsItMakes) {
   EXPECT_EQ(logCount("ZEL Debug: Try UTF8 to UTF16 conversion..."), 1);
   EXPECT_EQ(logCount("ZEL Debug: Illegal UTF-8 sequence! 1"), 1);
   {
-    const TestString swapped(std::string_view("\xFE\xFF\x00\x41", 4), encoding::kUTF16);
+    const HostString swapped(std::string_view("\xFE\xFF\x00\x41", 4), encoding::kUTF16);
     HostText text(swapped);
     EXPECT_EQ(text.utf16(), u"A");
   }
@@ -123,7 +123,7 @@ TEST_F(HostTextTest, AsciiAndUtf8ArgumentsAreNeverCopiedForTheir8BitViews) {
                {"abc", encoding::kASCII, true},
                {"abc", encoding::kNone, true}};
   for (const auto& c : cases) {
-    const TestString source(c.bytes, c.encoding);
+    const HostString source(c.bytes, c.encoding);
     HostText text(source);
     EXPECT_EQ(static_cast<const void*>(text.Utf8Text()), zelhost::stringStorage(source));
     if (c.asciiToo) {
@@ -134,7 +134,7 @@ TEST_F(HostTextTest, AsciiAndUtf8ArgumentsAreNeverCopiedForTheir8BitViews) {
 }
 
 TEST_F(HostTextTest, EachViewIsComputedOnce) {
-  const TestString latin(std::string("\xE9t\xE9"), encoding::kISOLatin1);
+  const HostString latin(std::string("\xE9t\xE9"), encoding::kISOLatin1);
   HostText text(latin);
   for (int round = 0; round < 3; ++round) {
     text.AsciiText();
@@ -150,7 +150,7 @@ TEST_F(HostTextTest, EachViewIsComputedOnce) {
 }
 
 TEST_F(HostTextTest, FallbackFromUtf16CombinesUnits) {
-  const TestString source(utf16Bytes(u"\xDC00\x0041\x0042"), encoding::kUTF16);
+  const HostString source(utf16Bytes(u"\xDC00\x0041\x0042"), encoding::kUTF16);
   HostText text(source);
   EXPECT_EQ(text.utf16(), u"\xDC00\x0041\x0042");
   zelhost::setServiceFailing("PluginGetStringData");
@@ -161,7 +161,7 @@ TEST_F(HostTextTest, FallbackFromUtf16CombinesUnits) {
 }
 
 TEST_F(HostTextTest, FailedHostConversionsGiveEmptyViews) {
-  const TestString latin("\xE9", encoding::kISOLatin1);
+  const HostString latin("\xE9", encoding::kISOLatin1);
   zelhost::setServiceFailing("PluginGetStringData");
   HostText text(latin);
   EXPECT_EQ(text.ascii(), "");
@@ -173,7 +173,7 @@ TEST_F(HostTextTest, FailedHostConversionsGiveEmptyViews) {
 }
 
 TEST_F(HostTextTest, FailedRebuildOfTextWithoutEncodingIsReportedOnce) {
-  const TestString raw("\xE9", encoding::kNone);
+  const HostString raw("\xE9", encoding::kNone);
   for (int i = 0; i < 2; ++i) {
     zelhost::failNextAllocations(1);
     HostText text(raw);
@@ -185,7 +185,7 @@ TEST_F(HostTextTest, FailedRebuildOfTextWithoutEncodingIsReportedOnce) {
 }
 
 TEST_F(HostTextTest, TextWithoutEncodingIsRebuiltAsWindowsLatin1) {
-  const TestString raw("\xE9", encoding::kNone);
+  const HostString raw("\xE9", encoding::kNone);
   HostText text(raw);
   EXPECT_NE(text.source(), static_cast<REALstring>(raw));
   EXPECT_EQ(zelhost::stringEncoding(text.source()), encoding::kWindowsLatin1);
@@ -195,7 +195,7 @@ TEST_F(HostTextTest, TextWithoutEncodingIsRebuiltAsWindowsLatin1) {
 }
 
 TEST_F(HostTextTest, OverwrittenGuardsStillCloseAndFreeEverything) {
-  const TestString source("\xE9t\xE9", encoding::kNone);
+  const HostString source("\xE9t\xE9", encoding::kNone);
   HostText text(source);
   text.utf8();
   text.utf16();
@@ -210,7 +210,7 @@ TEST_F(HostTextTest, OverwrittenGuardsStillCloseAndFreeEverything) {
 }
 
 TEST_F(HostTextTest, DebugLogStringWritesTheTextAsUtf8) {
-  const TestString latin("caf\xE9", encoding::kISOLatin1);
+  const HostString latin("caf\xE9", encoding::kISOLatin1);
   debugLogString("Argument", latin);
   char expected[64];
   std::snprintf(expected, sizeof expected, "ZEL Debug: Argument %p: caf\xC3\xA9",
@@ -222,7 +222,7 @@ TEST_F(HostTextTest, DebugLogStringWritesTheTextAsUtf8) {
 }
 
 TEST_F(HostTextTest, ConcurrentRecordsOnOneArgumentAgree) {
-  const TestString shared("na\xC3\xAFve", encoding::kUTF8);
+  const HostString shared("na\xC3\xAFve", encoding::kUTF8);
   setDebugEnabled(false);
   std::vector<std::thread> threads;
   std::atomic<int> agreeing{0};
@@ -251,7 +251,7 @@ TEST_F(HostTextTest, MissingByteLengthGivesEmptyBytes) {
         zelhost::setServiceFailing("REALLoadGlobalMethod");
         bool empty;
         {
-          const TestString source("h\xC3\xA9llo", encoding::kUTF8);
+          const HostString source("h\xC3\xA9llo", encoding::kUTF8);
           HostStringBytes bytes(source);
           HostText text(source);
           empty = bytes.size() == 0 && text.utf8().empty() && text.utf16().empty() &&

@@ -13,8 +13,8 @@
 namespace zel {
 namespace {
 
-using testing::BridgeTest;
-using testing::TestString;
+using zeltest::BridgeTest;
+using zeltest::HostString;
 
 class MemoryBlockTest : public BridgeTest {
  protected:
@@ -137,8 +137,8 @@ REALstring upperAsciiOrSame(REALstring argument) {
 }
 
 TEST_F(MemoryBlockTest, AdapterHelpers) {
-  const TestString lower("abc", encoding::kUTF8);
-  const TestString upper("ABC", encoding::kUTF8);
+  const HostString lower("abc", encoding::kUTF8);
+  const HostString upper("ABC", encoding::kUTF8);
   OwnedString changed(upperAsciiOrSame(lower));
   EXPECT_EQ(zelhost::stringBytes(changed.get()), "ABC");
   EXPECT_EQ(zelhost::stringEncoding(changed.get()), encoding::kASCII);

@@ -9,10 +9,10 @@
 namespace zel {
 namespace {
 
-using testing::BridgeTest;
-using testing::TestString;
-using testing::utf16Bytes;
-using testing::utf32Bytes;
+using zeltest::BridgeTest;
+using zeltest::HostString;
+using zeltest::utf16Bytes;
+using zeltest::utf32Bytes;
 
 constexpr double kNewHost = 2025.03;
 constexpr double kHostWithoutUtf32 = 2012.5;
@@ -163,7 +163,7 @@ TEST_F(BuilderTest, HostFailuresGiveNilWithoutLeaks) {
 }
 
 TEST_F(BuilderTest, HostStringBytesBorrowsAndGivesBack) {
-  const TestString text("h\xC3\xA9llo", encoding::kUTF8);
+  const HostString text("h\xC3\xA9llo", encoding::kUTF8);
   {
     HostStringBytes bytes(text);
     EXPECT_EQ(bytes.view(), "h\xC3\xA9llo");

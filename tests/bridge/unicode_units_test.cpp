@@ -30,7 +30,7 @@ TEST(UnicodeUnits, FallbackCombinationKeepsItsAsymmetry) {
 }
 
 TEST(UnicodeUnits, Utf32ToUtf16ForOldHosts) {
-  using testing::utf32Bytes;
+  using zeltest::utf32Bytes;
   const struct {
     std::string bytes;
     std::u16string_view expected;

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/out_of_memory_error.h"
 #include "framework/exceptions.h"
-#include "framework/out_of_memory_error.h"
 #include "framework/plugin_state.h"
 #include "stand_in_host.h"
 

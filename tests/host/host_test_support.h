@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "sdk/host_services.h"
 #include "stand_in_host.h"
 #include "support/plugin_fixture.h"
 

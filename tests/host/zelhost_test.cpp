@@ -107,6 +107,9 @@ TEST(ZelhostTest, CommandsAndExitStatus) {
        "zelhost: odd number of hex digits (3) in argument 1 of SizeZEL(m as MemoryBlock) as "
        "Integer\n"},
       {kFake, "rtf-read file.rtf", "", 2, "", "zelhost: cannot read file.rtf\n"},
+      {kFake, "--ide", "", 2, "",
+       "zelhost: no command given\nusage: zelhost [--plugin PATH] [--host-version V] [--ide] "
+       "COMMAND [OPTION...] [WORD...]; zelhost help lists the commands\n"},
       {kFake, "--host-version soon list", "", 2, "",
        "zelhost: --host-version wants a number, not soon\n"},
       {kFake, "--plugin", "", 2, "", "zelhost: --plugin wants a value\n"},

@@ -152,13 +152,12 @@ TEST(ByteFillKernel, RepeatToLength) {
   EXPECT_THROW(repeatToLength(INT64_MAX, "ab"), std::bad_alloc);
 }
 
-TEST(ByteWipeKernel, OnlyInlineBytesAreWiped) {
-  std::vector<std::uint8_t> bytes = {1, 2, 3};
-  EXPECT_FALSE(wipeInlineStringBytes(bytes, 41));
-  EXPECT_EQ(bytes, (std::vector<std::uint8_t>{1, 2, 3}));
-  EXPECT_TRUE(wipeInlineStringBytes(bytes, 42));
-  EXPECT_EQ(bytes, (std::vector<std::uint8_t>{0, 0, 0}));
-  EXPECT_TRUE(wipeInlineStringBytes({}, 42));
+TEST(ByteWipeKernel, EveryByteBecomesZero) {
+  for (std::size_t size : {0U, 1U, 3U, 64U}) {
+    std::vector<std::uint8_t> bytes(size, 0xA5);
+    wipeBytes(bytes);
+    EXPECT_EQ(bytes, std::vector<std::uint8_t>(size, 0)) << size;
+  }
 }
 
 // Repeats the draws 00 00 00 00, FF FF FF FF, 5F 00 00 00, 60 00 00 00.

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/out_of_memory_error.h"
+#include "base/out_of_memory_error.h"
 
 namespace zel::strings {
 namespace {

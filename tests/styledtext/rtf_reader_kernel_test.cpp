@@ -64,14 +64,14 @@ std::string hex(std::uint64_t value, int width) {
 
 // One line per run: its text, then whatever differs from the default style.
 std::string describe(const RecordedRun& run) {
-  std::string out = run.encoding == kEncodingUtf16 ? "U+" + hex(run.text[0], 4) : run.bytes;
+  std::string out = run.encoding == encoding::kUTF16 ? "U+" + hex(run.text[0], 4) : run.bytes;
   if (run.style.bold) out += " b";
   if (run.style.italic) out += " i";
   if (run.style.underline) out += " u";
   if (run.style.size != 0) out += " s" + std::to_string(run.style.size);
   if (run.style.color != 0) out += " #" + hex(run.style.color, 6);
   if (!run.style.font.empty()) out += " f=" + run.style.font;
-  if (run.encoding != kEncodingUtf16 && run.encoding != kEncodingWindowsLatin1) {
+  if (run.encoding != encoding::kUTF16 && run.encoding != encoding::kWindowsLatin1) {
     out += " enc=" + hex(run.encoding, 4);
   }
   return out;
@@ -102,7 +102,7 @@ class RecordingSink : public StyledTextSink {
                     std::string(runText.bytes),
                     runText.encoding,
                     {}};
-    if (runText.encoding == kEncodingUtf16) {
+    if (runText.encoding == encoding::kUTF16) {
       EXPECT_EQ(runText.bytes.size(), 2u);
       char16_t unit = 0;
       std::memcpy(&unit, runText.bytes.data(), sizeof unit);
@@ -422,10 +422,10 @@ TEST_P(RtfRoundTrip, GivesBackTextStylesAndAlignments) {
     ASSERT_EQ(sink.text, expected.text) << rtf;
     std::vector<CharStyle> styles;
     for (const RecordedRun& run : sink.runs) {
-      if (run.encoding == kEncodingUtf16) {
+      if (run.encoding == encoding::kUTF16) {
         EXPECT_GE(run.text[0], 128) << rtf;
       } else {
-        EXPECT_EQ(run.encoding, kEncodingWindowsLatin1);
+        EXPECT_EQ(run.encoding, encoding::kWindowsLatin1);
         for (const char16_t unit : run.text) EXPECT_LT(unit, 128) << rtf;
       }
       styles.insert(styles.end(), run.text.size(), run.style);
@@ -455,7 +455,7 @@ TEST(RtfReader, SurvivesMalformedInput) {
     RecordingSink sink;
     readRtf(rtf, sink);
     for (const RecordedRun& run : sink.runs) {
-      if (run.encoding == kEncodingUtf16) {
+      if (run.encoding == encoding::kUTF16) {
         EXPECT_NE(run.text[0], 0) << rtf;
       }
     }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/platform.h"
+#include "sdk/host_services.h"
 #include "sdk/host_types.h"
 #include "sdk/plugin_export.h"
 

@@ -19,7 +19,7 @@ class PrintingSink : public StyledTextSink {
   std::int64_t paragraphCount() override { return paragraphs_; }
   void appendStyleRun(const RunStyle& style, const RunText& text) override {
     std::string shown;
-    if (text.encoding == kEncodingUtf16) {
+    if (text.encoding == encoding::kUTF16) {
       char16_t unit = 0;
       std::memcpy(&unit, text.bytes.data(), sizeof unit);
       shown = "U+" + std::to_string(unit);
