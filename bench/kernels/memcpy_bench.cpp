@@ -18,6 +18,6 @@ void BM_Memcpy(benchmark::State& state) {
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * size));
 }
-BENCHMARK(BM_Memcpy)->Arg(zel::bench::kShort)->Arg(zel::bench::kLarge);
+BENCHMARK(BM_Memcpy)->Arg(zel::bench::kShort)->Arg(zel::bench::kSmall)->Arg(zel::bench::kLarge);
 
 }  // namespace
