@@ -4,6 +4,7 @@
 #include "text/simd_path.h"
 #include "text/surrogates.h"
 #include "text/utf8_blocks.h"
+#include "text/utf8_check_avx2.h"
 
 namespace zel::text {
 namespace {
@@ -36,17 +37,19 @@ struct Avx2Kernels {
   }
   [[gnu::target("avx2"), gnu::flatten]] static std::size_t validPrefix(const std::uint8_t* bytes,
                                                                        std::size_t count) noexcept {
-    return blocks::validPrefix<lanes::Avx2>(bytes, count);
+    return avx2_check::validPrefix(bytes, count);
   }
+  // Checking first pays here: the vector check is fast, and the decoding after it has no checks
+  // left to make.
+  template <class Unit>
   [[gnu::target("avx2"), gnu::flatten]] static Utf8DecodeResult decode(const std::uint8_t* bytes,
                                                                        std::size_t count,
-                                                                       char16_t* out) noexcept {
-    return blocks::decode<lanes::Avx2>(bytes, count, out);
-  }
-  [[gnu::target("avx2"), gnu::flatten]] static Utf8DecodeResult decode(const std::uint8_t* bytes,
-                                                                       std::size_t count,
-                                                                       char32_t* out) noexcept {
-    return blocks::decode<lanes::Avx2>(bytes, count, out);
+                                                                       Unit* out) noexcept {
+    const std::size_t valid = avx2_check::validPrefix(bytes, count);
+    Utf8DecodeResult result;
+    result.units = blocks::decodeWellFormed<lanes::Avx2>(bytes, valid, out);
+    if (valid < count) result.badOffset = valid;
+    return result;
   }
 };
 #endif

@@ -86,4 +86,32 @@ Utf8DecodeResult decode(const std::uint8_t* bytes, std::size_t count, Unit* out)
   return result;
 }
 
+// As decode, over bytes already known to be well-formed UTF-8: the sequences need no checks.
+template <class Lanes, class Unit>
+std::size_t decodeWellFormed(const std::uint8_t* bytes, std::size_t count, Unit* out) noexcept {
+  constexpr std::uint8_t kFirstLeadOf3 = 0xE0;
+  constexpr std::uint8_t kFirstLeadOf4 = 0xF0;
+  Unit* next = out;
+  std::size_t at = 0;
+  while (at < count) {
+    while (count - at >= Lanes::kWidth) {
+      const std::size_t run = Lanes::asciiRun(bytes + at);
+      Lanes::widen(bytes + at, next);
+      at += run;
+      next += run;
+      if (run < Lanes::kWidth) break;
+    }
+    while (at < count && bytes[at] < kFirstNonAscii) *next++ = bytes[at++];
+    while (at < count && bytes[at] >= kFirstNonAscii) {
+      const std::uint8_t lead = bytes[at];
+      const std::size_t length = lead < kFirstLeadOf3 ? 2 : lead < kFirstLeadOf4 ? 3 : 4;
+      const char32_t value = multiByteSequenceValue(bytes + at, length);
+      at += length;
+      if (value != kByteOrderMark && value != kSwappedByteOrderMark) emit(value, next);
+    }
+  }
+  *next = 0;
+  return static_cast<std::size_t>(next - out);
+}
+
 }  // namespace zel::text::blocks
