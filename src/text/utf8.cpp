@@ -5,6 +5,7 @@
 #include "text/surrogates.h"
 #include "text/utf8_blocks.h"
 #include "text/utf8_check_avx2.h"
+#include "text/utf8_check_neon.h"
 
 namespace zel::text {
 namespace {
@@ -54,6 +55,25 @@ struct Avx2Kernels {
 };
 #endif
 
+#if defined(__aarch64__)
+// NEON is always there: only the checking differs from the generic loops.
+struct NeonKernels : Kernels<lanes::Neon> {
+  [[gnu::flatten]] static std::size_t validPrefix(const std::uint8_t* bytes,
+                                                  std::size_t count) noexcept {
+    return neon_check::validPrefix(bytes, count);
+  }
+  template <class Unit>
+  [[gnu::flatten]] static Utf8DecodeResult decode(const std::uint8_t* bytes, std::size_t count,
+                                                  Unit* out) noexcept {
+    const std::size_t valid = neon_check::validPrefix(bytes, count);
+    Utf8DecodeResult result;
+    result.units = blocks::decodeWellFormed<lanes::Neon>(bytes, valid, out);
+    if (valid < count) result.badOffset = valid;
+    return result;
+  }
+};
+#endif
+
 template <class Operation>
 decltype(auto) onActivePath(Operation operation) noexcept {
   switch (activeSimdPath()) {
@@ -64,7 +84,7 @@ decltype(auto) onActivePath(Operation operation) noexcept {
       return operation(Kernels<lanes::Sse2>{});
 #elif defined(__aarch64__)
     case SimdPath::neon:
-      return operation(Kernels<lanes::Neon>{});
+      return operation(NeonKernels{});
 #endif
     default:
       return operation(Kernels<lanes::Portable>{});

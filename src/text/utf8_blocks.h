@@ -39,6 +39,18 @@ std::size_t validPrefix(const std::uint8_t* bytes, std::size_t count) noexcept {
   return count;
 }
 
+// Where the one-sequence rules take over from a vector check that found an error in the block
+// at `at`: the last sequence start at or before it, as the bytes before are known well-formed but
+// for a sequence the previous block left open.
+inline std::size_t sequenceStartBefore(const std::uint8_t* bytes, std::size_t at) noexcept {
+  constexpr std::size_t kLongestReach = 3;
+  for (std::size_t k = 1; k <= kLongestReach && k <= at; ++k) {
+    const std::uint8_t b = bytes[at - k];
+    if (!isContinuationByte(b)) return b < kFirstNonAscii ? at : at - k;
+  }
+  return at;
+}
+
 inline void emit(char32_t value, char16_t*& out) noexcept {
   if (value >= kFirstSupplementary) {
     *out++ = highSurrogateOf(value);

@@ -64,17 +64,6 @@ template <int Distance>
   return _mm256_subs_epu8(input, lastLeads);
 }
 
-// The last sequence start at or before `at`, which lies past bytes already known well-formed
-// except for a sequence the previous block left open.
-inline std::size_t sequenceStartBefore(const std::uint8_t* bytes, std::size_t at) noexcept {
-  constexpr std::size_t kLongestReach = 3;
-  for (std::size_t k = 1; k <= kLongestReach && k <= at; ++k) {
-    const std::uint8_t b = bytes[at - k];
-    if (!isContinuationByte(b)) return b < kFirstNonAscii ? at : at - k;
-  }
-  return at;
-}
-
 [[gnu::target("avx2")]] inline std::size_t validPrefix(const std::uint8_t* bytes,
                                                        std::size_t count) noexcept {
   constexpr std::size_t kBlock = sizeof(__m256i);
@@ -93,7 +82,7 @@ inline std::size_t sequenceStartBefore(const std::uint8_t* bytes, std::size_t at
     if (_mm256_testz_si256(errors, errors) == 0) break;
     previous = input;
   }
-  const std::size_t restart = sequenceStartBefore(bytes, at);
+  const std::size_t restart = blocks::sequenceStartBefore(bytes, at);
   return restart + blocks::validPrefix<lanes::Avx2>(bytes + restart, count - restart);
 }
 
