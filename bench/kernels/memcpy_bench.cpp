@@ -18,6 +18,6 @@ void BM_Memcpy(benchmark::State& state) {
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * size));
 }
-BENCHMARK(BM_Memcpy)->Arg(zeltest::kShort)->Arg(zeltest::kLarge);
+BENCHMARK(BM_Memcpy)->Arg(zeltest::kShort)->Arg(zeltest::kSmall)->Arg(zeltest::kLarge);
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "counting_sink.h"
 #include "styledtext/rtf_reader.h"
 #include "styledtext/rtf_writer.h"
+#include "text/utf8.h"
 
 namespace {
 
@@ -16,21 +17,10 @@ using zel::styledtext::RunText;
 using zel::styledtext::StyleRunRecord;
 
 std::u16string utf16FromUtf8(std::string_view utf8) {
-  std::u16string out;
-  out.reserve(utf8.size());
-  for (std::size_t at = 0; at < utf8.size();) {
-    const auto lead = static_cast<unsigned char>(utf8[at]);
-    const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    char32_t c = length == 1 ? lead : lead & (0x7F >> length);
-    for (std::size_t i = 1; i < length; ++i) c = (c << 6) | (utf8[at + i] & 0x3F);
-    at += length;
-    if (c < 0x10000) {
-      out += static_cast<char16_t>(c);
-    } else {
-      out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-      out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-    }
-  }
+  std::u16string out(utf8.size() + 1, u'\0');
+  const auto result = zel::text::decodeUtf8(
+      {reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()}, out.data());
+  out.resize(result.units);
   return out;
 }
 

@@ -8,24 +8,15 @@
 #include "bench_inputs.h"
 #include "strings/accent_map.h"
 #include "strings/unicode_composition.h"
+#include "text/utf8.h"
 
 namespace {
 
 std::u16string utf16Of(const std::string& utf8) {
-  std::u16string text;
-  for (std::size_t i = 0; i < utf8.size();) {
-    const auto lead = static_cast<unsigned char>(utf8[i]);
-    const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    char32_t cp = length == 1 ? lead : lead & (0x7F >> length);
-    for (std::size_t k = 1; k < length; ++k) cp = cp << 6 | (utf8[i + k] & 0x3F);
-    if (cp < 0x10000) {
-      text.push_back(static_cast<char16_t>(cp));
-    } else {
-      text.push_back(static_cast<char16_t>(0xD800 + ((cp - 0x10000) >> 10)));
-      text.push_back(static_cast<char16_t>(0xDC00 + ((cp - 0x10000) & 0x3FF)));
-    }
-    i += length;
-  }
+  std::u16string text(utf8.size() + 1, u'\0');
+  const auto result = zel::text::decodeUtf8(
+      {reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()}, text.data());
+  text.resize(result.units);
   return text;
 }
 

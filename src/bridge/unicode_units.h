@@ -6,8 +6,14 @@
 #include <span>
 #include <string_view>
 
+#include "text/surrogates.h"
+
 namespace zel {
 
+using text::isHighSurrogate;
+using text::isLowSurrogate;
+
+// True for no bytes at all.
 bool isAscii(std::span<const std::uint8_t> bytes) noexcept;
 
 // Code points (native byte order, any alignment; a trailing partial unit is ignored) to UTF-16
@@ -19,12 +25,5 @@ std::size_t utf32BytesToUtf16(std::span<const std::uint8_t> bytes, char16_t* out
 // anything else is dropped with that unit; a low surrogate that is not last is dropped with the
 // unit after it; a lone surrogate in last place stays. `out` holds units.size() + 1.
 std::size_t combineUtf16ToUtf32(std::u16string_view units, char32_t* out) noexcept;
-
-inline bool isHighSurrogate(char32_t unit) noexcept {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-inline bool isLowSurrogate(char32_t unit) noexcept {
-  return unit >= 0xDC00 && unit <= 0xDFFF;
-}
 
 }  // namespace zel

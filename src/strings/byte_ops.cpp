@@ -6,6 +6,8 @@
 #include <limits>
 #include <new>
 
+#include "text/utf8.h"
+
 namespace zel::strings {
 
 namespace {
@@ -227,7 +229,8 @@ bool isAscii(std::string_view bytes, std::int64_t mode) {
   };
   switch (mode) {
     case 0:
-      return all([](unsigned char c) { return c <= 127; });
+      return text::asciiPrefixLength({reinterpret_cast<const std::uint8_t*>(bytes.data()),
+                                      bytes.size()}) == bytes.size();
     case 1:
       return all([](unsigned char c) { return c >= 32 && c <= 127; });
     case 2:

@@ -1,57 +1,16 @@
 #include "strings/utf8_repair.h"
 
 #include <algorithm>
-#include <array>
 
-#include "strings/word_scan.h"
+#include "text/utf8.h"
+#include "text/utf8_sequence.h"
 
 namespace zel::strings {
 namespace {
 
-// What a lead byte asks of a multi-byte sequence: its length (0 for no sequence at all) and
-// the range of its second byte; later bytes are plain continuation bytes.
-struct LeadByte {
-  std::uint8_t length = 0;
-  std::uint8_t secondLow = 0x80;
-  std::uint8_t secondHigh = 0xBF;
-};
-
-constexpr auto kLeadBytes = [] {
-  std::array<LeadByte, 256> leads{};
-  for (int b = 0xC2; b <= 0xDF; ++b) leads[b] = {2, 0x80, 0xBF};
-  for (int b = 0xE0; b <= 0xEF; ++b) leads[b] = {3, 0x80, 0xBF};
-  leads[0xE0].secondLow = 0xA0;   // no overlong forms
-  leads[0xED].secondHigh = 0x9F;  // no surrogates
-  for (int b = 0xF0; b <= 0xF4; ++b) leads[b] = {4, 0x80, 0xBF};
-  leads[0xF0].secondLow = 0x90;
-  leads[0xF4].secondHigh = 0x8F;  // nothing above U+10FFFF
-  return leads;
-}();
-
-constexpr bool isContinuation(std::uint8_t b) {
-  return (b & 0xC0) == 0x80;
-}
-
 // Length of the well-formed multi-byte sequence at `at`, or 0.
 std::size_t sequenceLength(std::span<const std::uint8_t> data, std::size_t at) {
-  const LeadByte lead = kLeadBytes[data[at]];
-  if (lead.length == 0 || data.size() - at < lead.length) return 0;
-  const std::uint8_t second = data[at + 1];
-  if (second < lead.secondLow || second > lead.secondHigh) return 0;
-  for (std::size_t k = 2; k < lead.length; ++k) {
-    if (!isContinuation(data[at + k])) return 0;
-  }
-  return lead.length;
-}
-
-// Skips bytes below 0x80, eight at a time where it can.
-std::size_t skipAscii(std::span<const std::uint8_t> data, std::size_t at) {
-  using namespace word_scan;
-  while (data.size() - at >= kWordBytes && (load(data.data() + at) & kHighBits) == 0) {
-    at += kWordBytes;
-  }
-  while (at < data.size() && data[at] < 0x80) ++at;
-  return at;
+  return text::multiByteSequenceLength(data.data() + at, data.size() - at);
 }
 
 constexpr bool isReadableAscii(std::uint8_t b) {
@@ -70,11 +29,7 @@ std::string repairUtf8(std::span<const std::uint8_t> data, std::string_view plac
   out.reserve(data.size() + 4096);
   std::size_t validFrom = 0;
   std::size_t at = 0;
-  while ((at = skipAscii(data, at)) < data.size()) {
-    if (const std::size_t length = sequenceLength(data, at)) {
-      at += length;
-      continue;
-    }
+  while ((at += text::validUtf8Length(data.subspan(at))) < data.size()) {
     out += bytesAsText(data.subspan(validFrom, at - validFrom));
     out += placeholder;
     validFrom = ++at;
