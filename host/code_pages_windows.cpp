@@ -3,34 +3,24 @@
 #include <array>
 
 #include "code_pages.h"
+#include "text/surrogates.h"
 
 namespace zelhost::detail {
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
-constexpr char32_t kFirstSupplementary = 0x10000;
-constexpr char32_t kHighSurrogate = 0xD800;
-constexpr char32_t kLowSurrogate = 0xDC00;
-constexpr char32_t kSurrogateBits = 0x3FF;
-constexpr unsigned kSurrogateShift = 10;
-
-bool isHigh(char32_t unit) {
-  return unit >= kHighSurrogate && unit < kLowSurrogate;
-}
-bool isLow(char32_t unit) {
-  return unit >= kLowSurrogate && unit <= kLowSurrogate + kSurrogateBits;
-}
+using zel::text::isHighSurrogate;
+using zel::text::isLowSurrogate;
+using zel::text::kReplacementCharacter;
 
 std::u32string fromUtf16(std::wstring_view units) {
   std::u32string out;
   out.reserve(units.size());
   for (std::size_t i = 0; i < units.size(); ++i) {
     const char32_t unit = units[i];
-    if (isHigh(unit) && i + 1 < units.size() && isLow(units[i + 1])) {
-      out.push_back(kFirstSupplementary + ((unit - kHighSurrogate) << kSurrogateShift) +
-                    (units[++i] - kLowSurrogate));
+    if (isHighSurrogate(unit) && i + 1 < units.size() && isLowSurrogate(units[i + 1])) {
+      out.push_back(zel::text::combineSurrogates(unit, units[++i]));
     } else {
-      out.push_back(isHigh(unit) || isLow(unit) ? kReplacement : unit);
+      out.push_back(zel::text::isSurrogate(unit) ? kReplacementCharacter : unit);
     }
   }
   return out;
@@ -40,11 +30,9 @@ std::wstring toUtf16(std::u32string_view text) {
   std::wstring out;
   out.reserve(text.size());
   for (const char32_t c : text) {
-    if (c >= kFirstSupplementary) {
-      out.push_back(
-          static_cast<wchar_t>(kHighSurrogate + ((c - kFirstSupplementary) >> kSurrogateShift)));
-      out.push_back(
-          static_cast<wchar_t>(kLowSurrogate + ((c - kFirstSupplementary) & kSurrogateBits)));
+    if (c >= zel::text::kFirstSupplementary) {
+      out.push_back(static_cast<wchar_t>(zel::text::highSurrogateOf(c)));
+      out.push_back(static_cast<wchar_t>(zel::text::lowSurrogateOf(c)));
     } else {
       out.push_back(static_cast<wchar_t>(c));
     }
@@ -77,7 +65,7 @@ std::u32string platformDecode(std::string_view bytes, const CodePage& page) {
     }
     const std::u32string decoded = fromUtf16({units.data(), static_cast<std::size_t>(count)});
     if (count == 0 || platformEncode(decoded, page) != bytes.substr(at, length)) {
-      out.push_back(kReplacement);
+      out.push_back(kReplacementCharacter);
       ++at;
       continue;
     }

@@ -64,22 +64,29 @@ inline void emit(char32_t value, char32_t*& out) noexcept {
   *out++ = value;
 }
 
-// A block is widened whole even when only its leading run is ASCII: the units past the run are
-// overwritten next, and they fit because no sequence yields more units than it has bytes.
+// Copies the ASCII run at `at`, a block at a time while the blocks stay ASCII. A block is widened
+// whole even when only its leading run is ASCII: the units past the run are overwritten next, and
+// they fit because no sequence yields more units than it has bytes.
+template <class Lanes, class Unit>
+void copyAsciiRun(const std::uint8_t* bytes, std::size_t count, std::size_t& at,
+                  Unit*& next) noexcept {
+  while (count - at >= Lanes::kWidth) {
+    const std::size_t run = Lanes::asciiRun(bytes + at);
+    Lanes::widen(bytes + at, next);
+    at += run;
+    next += run;
+    if (run < Lanes::kWidth) break;
+  }
+  while (at < count && bytes[at] < kFirstNonAscii) *next++ = bytes[at++];
+}
+
 template <class Lanes, class Unit>
 Utf8DecodeResult decode(const std::uint8_t* bytes, std::size_t count, Unit* out) noexcept {
   Utf8DecodeResult result;
   Unit* next = out;
   std::size_t at = 0;
   while (at < count) {
-    while (count - at >= Lanes::kWidth) {
-      const std::size_t run = Lanes::asciiRun(bytes + at);
-      Lanes::widen(bytes + at, next);
-      at += run;
-      next += run;
-      if (run < Lanes::kWidth) break;
-    }
-    while (at < count && bytes[at] < kFirstNonAscii) *next++ = bytes[at++];
+    copyAsciiRun<Lanes>(bytes, count, at, next);
     while (at < count && bytes[at] >= kFirstNonAscii) {
       const std::size_t length = multiByteSequenceLength(bytes + at, count - at);
       if (length == 0) {
@@ -106,14 +113,7 @@ std::size_t decodeWellFormed(const std::uint8_t* bytes, std::size_t count, Unit*
   Unit* next = out;
   std::size_t at = 0;
   while (at < count) {
-    while (count - at >= Lanes::kWidth) {
-      const std::size_t run = Lanes::asciiRun(bytes + at);
-      Lanes::widen(bytes + at, next);
-      at += run;
-      next += run;
-      if (run < Lanes::kWidth) break;
-    }
-    while (at < count && bytes[at] < kFirstNonAscii) *next++ = bytes[at++];
+    copyAsciiRun<Lanes>(bytes, count, at, next);
     while (at < count && bytes[at] >= kFirstNonAscii) {
       const std::uint8_t lead = bytes[at];
       const std::size_t length = lead < kFirstLeadOf3 ? 2 : lead < kFirstLeadOf4 ? 3 : 4;
