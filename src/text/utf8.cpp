@@ -28,6 +28,17 @@ struct Kernels {
   }
 };
 
+// Where a vector check runs fast, checking first pays: the `valid` bytes it found are decoded with
+// no checks left to make.
+template <class Lanes, class Unit>
+Utf8DecodeResult decodeChecked(const std::uint8_t* bytes, std::size_t count, std::size_t valid,
+                               Unit* out) noexcept {
+  Utf8DecodeResult result;
+  result.units = blocks::decodeWellFormed<Lanes>(bytes, valid, out);
+  if (valid < count) result.badOffset = valid;
+  return result;
+}
+
 #if defined(__x86_64__)
 // The same loops compiled for AVX2, which the build does not assume: only reached after the
 // processor was found to run it.
@@ -40,17 +51,11 @@ struct Avx2Kernels {
                                                                        std::size_t count) noexcept {
     return avx2_check::validPrefix(bytes, count);
   }
-  // Checking first pays here: the vector check is fast, and the decoding after it has no checks
-  // left to make.
   template <class Unit>
   [[gnu::target("avx2"), gnu::flatten]] static Utf8DecodeResult decode(const std::uint8_t* bytes,
                                                                        std::size_t count,
                                                                        Unit* out) noexcept {
-    const std::size_t valid = avx2_check::validPrefix(bytes, count);
-    Utf8DecodeResult result;
-    result.units = blocks::decodeWellFormed<lanes::Avx2>(bytes, valid, out);
-    if (valid < count) result.badOffset = valid;
-    return result;
+    return decodeChecked<lanes::Avx2>(bytes, count, avx2_check::validPrefix(bytes, count), out);
   }
 };
 #endif
@@ -65,11 +70,7 @@ struct NeonKernels : Kernels<lanes::Neon> {
   template <class Unit>
   [[gnu::flatten]] static Utf8DecodeResult decode(const std::uint8_t* bytes, std::size_t count,
                                                   Unit* out) noexcept {
-    const std::size_t valid = neon_check::validPrefix(bytes, count);
-    Utf8DecodeResult result;
-    result.units = blocks::decodeWellFormed<lanes::Neon>(bytes, valid, out);
-    if (valid < count) result.badOffset = valid;
-    return result;
+    return decodeChecked<lanes::Neon>(bytes, count, neon_check::validPrefix(bytes, count), out);
   }
 };
 #endif
