@@ -67,7 +67,10 @@ class MatchVectors {
 };
 
 // A bit per position of each unit of a text of at most one word's length, kept on the stack so
-// that short distances need no heap. Open addressing; an empty slot has no bits.
+// that short distances need no heap. Units below 256 have a slot each, the others share an open
+// addressing table in which an empty slot has no bits. Nothing is cleared up front but a bit per
+// low slot: a low slot is written when its unit first appears, the shared table when the first
+// unit beyond the byte range arrives, so a short text costs little more than its own units.
 class ShortMatchTable {
  public:
   explicit ShortMatchTable(std::u16string_view text) noexcept {
@@ -75,7 +78,13 @@ class ShortMatchTable {
       const char16_t unit = text[i];
       const std::uint64_t bit = std::uint64_t{1} << i;
       if (unit < kLowUnits) {
-        low_[unit] |= bit;
+        const std::uint64_t seen = std::uint64_t{1} << (unit % kWordBits);
+        if (lowSeen_[unit / kWordBits] & seen) {
+          low_[unit] |= bit;
+        } else {
+          lowSeen_[unit / kWordBits] |= seen;
+          low_[unit] = bit;
+        }
         continue;
       }
       if (!hasHigh_) {
@@ -89,7 +98,9 @@ class ShortMatchTable {
   }
 
   std::uint64_t of(char16_t unit) const noexcept {
-    if (unit < kLowUnits) return low_[unit];
+    if (unit < kLowUnits) {
+      return (lowSeen_[unit / kWordBits] >> (unit % kWordBits)) & 1 ? low_[unit] : 0;
+    }
     return hasHigh_ ? highBits_[highSlotOf(unit)] : 0;
   }
 
@@ -107,8 +118,8 @@ class ShortMatchTable {
     return slot;
   }
 
-  std::array<std::uint64_t, kLowUnits> low_{};
-  // Cleared only once a unit beyond the byte range arrives.
+  std::array<std::uint64_t, kLowUnits / kWordBits> lowSeen_{};
+  std::array<std::uint64_t, kLowUnits> low_;
   bool hasHigh_ = false;
   std::array<char16_t, kSlots> highKeys_;
   std::array<std::uint64_t, kSlots> highBits_;
