@@ -15,6 +15,15 @@ namespace zel::strings {
 namespace {
 
 constexpr std::size_t kWordBits = 64;
+// Units below this have a table slot of their own; the others are hashed.
+constexpr std::size_t kByteRangeUnits = 256;
+
+// Fibonacci hashing: the top bits of the unit times 2^32 over the golden ratio.
+std::size_t hashedSlot(char16_t unit, int slotBits) noexcept {
+  constexpr std::uint32_t kFibonacciMultiplier = 0x9E3779B1U;
+  constexpr int kProductBits = 32;
+  return (unit * kFibonacciMultiplier) >> (kProductBits - slotBits);
+}
 
 template <typename T>
 std::vector<T> allocateScratch(std::size_t count, T initial = T{}) {
@@ -60,7 +69,7 @@ class MatchVectors {
   }
 
   std::size_t words_;
-  std::array<std::uint32_t, 256> lowSlots_{};
+  std::array<std::uint32_t, kByteRangeUnits> lowSlots_{};
   std::size_t lowCount_ = 0;
   std::vector<char16_t> highUnits_;
   std::vector<std::uint64_t> bits_;
@@ -77,7 +86,7 @@ class ShortMatchTable {
     for (std::size_t i = 0; i < text.size(); ++i) {
       const char16_t unit = text[i];
       const std::uint64_t bit = std::uint64_t{1} << i;
-      if (unit < kLowUnits) {
+      if (unit < kByteRangeUnits) {
         const std::uint64_t seen = std::uint64_t{1} << (unit % kWordBits);
         if (lowSeen_[unit / kWordBits] & seen) {
           low_[unit] |= bit;
@@ -98,28 +107,25 @@ class ShortMatchTable {
   }
 
   std::uint64_t of(char16_t unit) const noexcept {
-    if (unit < kLowUnits) {
+    if (unit < kByteRangeUnits) {
       return (lowSeen_[unit / kWordBits] >> (unit % kWordBits)) & 1 ? low_[unit] : 0;
     }
     return hasHigh_ ? highBits_[highSlotOf(unit)] : 0;
   }
 
  private:
-  static constexpr std::size_t kLowUnits = 256;
   // Twice as many slots as a word has positions, so probes stay short.
   static constexpr std::size_t kSlots = 2 * kWordBits;
-  static constexpr int kSlotBits = std::countr_zero(kSlots);
-  static constexpr std::uint32_t kFibonacciMultiplier = 0x9E3779B1U;
 
   // The unit's slot, or the empty slot where it would go.
   std::size_t highSlotOf(char16_t unit) const noexcept {
-    std::size_t slot = (unit * kFibonacciMultiplier) >> (32 - kSlotBits);
+    std::size_t slot = hashedSlot(unit, std::countr_zero(kSlots));
     while (highBits_[slot] != 0 && highKeys_[slot] != unit) slot = (slot + 1) % kSlots;
     return slot;
   }
 
-  std::array<std::uint64_t, kLowUnits / kWordBits> lowSeen_{};
-  std::array<std::uint64_t, kLowUnits> low_;
+  std::array<std::uint64_t, kByteRangeUnits / kWordBits> lowSeen_{};
+  std::array<std::uint64_t, kByteRangeUnits> low_;
   bool hasHigh_ = false;
   std::array<char16_t, kSlots> highKeys_;
   std::array<std::uint64_t, kSlots> highBits_;
@@ -210,7 +216,7 @@ class PositionChains {
     if (highUnits > 0) {
       // At most half full, so probes stay short.
       const std::size_t slots = std::bit_ceil(2 * std::min(highUnits, kUnitValues));
-      highShift_ = kHashBits - std::countr_zero(slots);
+      highSlotBits_ = std::countr_zero(slots);
       highKeys_ = allocateScratch<char32_t>(slots, kEmptyKey);
       highCursors_ = allocateScratch<std::uint32_t>(slots, kNoPosition);
     }
@@ -236,17 +242,14 @@ class PositionChains {
   }
 
  private:
-  static constexpr std::size_t kLowUnits = 256;
   static constexpr std::size_t kUnitValues = std::size_t{1} << 16;
   static constexpr char32_t kEmptyKey = kUnitValues;
-  static constexpr int kHashBits = 32;
-  static constexpr std::uint32_t kFibonacciMultiplier = 0x9E3779B1U;
 
-  static bool isLow(char16_t unit) noexcept { return unit < kLowUnits; }
+  static bool isLow(char16_t unit) noexcept { return unit < kByteRangeUnits; }
 
   // The high unit's slot, or the empty slot where it would go.
   std::size_t highSlotOf(char16_t unit) const noexcept {
-    std::size_t slot = (unit * kFibonacciMultiplier) >> highShift_;
+    std::size_t slot = hashedSlot(unit, highSlotBits_);
     while (highKeys_[slot] != unit && highKeys_[slot] != kEmptyKey) {
       slot = (slot + 1) & (highKeys_.size() - 1);
     }
@@ -269,10 +272,10 @@ class PositionChains {
   }
 
   std::vector<std::uint32_t> next_;
-  std::array<std::uint32_t, kLowUnits> lowCursors_;
+  std::array<std::uint32_t, kByteRangeUnits> lowCursors_;
   std::vector<char32_t> highKeys_;
   std::vector<std::uint32_t> highCursors_;
-  int highShift_ = 0;
+  int highSlotBits_ = 0;
 };
 
 // The Jaro similarity from the matching counts, with the Winkler boost for a shared prefix.
