@@ -190,7 +190,7 @@ std::u16string edited(std::u16string text, std::mt19937& random) {
   return text;
 }
 
-TEST(StringDistanceKernel, RandomPairsMatchTheReferences) {
+TEST(StringDistanceKernel, RandomPairsAgreeWithTheReferences) {
   std::mt19937 random(2024);
   for (const auto& alphabet : alphabets()) {
     for (int round = 0; round < 600; ++round) {
@@ -209,7 +209,7 @@ TEST(StringDistanceKernel, RandomPairsMatchTheReferences) {
 // Texts whose differing middles are one unit short of, exactly or one unit beyond a word, behind
 // a shared prefix and before a shared suffix of either length, so that both the stripped and the
 // whole lengths straddle the one-word paths.
-TEST(StringDistanceKernel, WordEdgesMatchTheReferences) {
+TEST(StringDistanceKernel, WordEdgesAgreeWithTheReferences) {
   constexpr std::size_t kWordUnits = 64;
   std::mt19937 random(64);
   for (const auto& alphabet : alphabets()) {
@@ -249,7 +249,7 @@ TEST(StringDistanceKernel, WordEdgesMatchTheReferences) {
 
 // Every pair of texts over a three-unit alphabet (one unit beyond the byte range) up to six
 // units: shared prefixes and suffixes, transpositions next to them, and every window size.
-TEST(StringDistanceKernel, EverySmallPairMatchesTheReferences) {
+TEST(StringDistanceKernel, EverySmallPairAgreesWithTheReferences) {
   std::vector<std::u16string> texts{u""};
   constexpr std::size_t kLongest = 6;
   for (std::size_t begin = 0, length = 1; length <= kLongest; ++length) {
