@@ -229,6 +229,8 @@ TEST(StringDistanceKernel, WordEdgesAgreeWithTheReferences) {
               std::swap(middleB[at], middleB[at + 1]);
             }
           }
+          // A shared unit beyond the byte range, for the letter alphabets the only one in b.
+          middleA[lengthA / 2] = middleB[lengthB / 2] = u'\u2020';
           // Ends that no alphabet has keep the middles from being stripped further.
           middleA.front() = u'<';
           middleA.back() = u'>';
