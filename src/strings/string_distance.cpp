@@ -5,7 +5,8 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
+#include <limits>
+#include <span>
 #include <vector>
 
 #include "base/out_of_memory_error.h"
@@ -14,8 +15,15 @@ namespace zel::strings {
 namespace {
 
 constexpr std::size_t kWordBits = 64;
-// The match flags carry four spare bytes, which a failed allocation reports in its count.
-constexpr std::size_t kMatchFlagSlack = 4;
+// Units below this have a table slot of their own; the others are hashed.
+constexpr std::size_t kByteRangeUnits = 256;
+
+// Fibonacci hashing: the top bits of the unit times 2^32 over the golden ratio.
+std::size_t hashedSlot(char16_t unit, int slotBits) noexcept {
+  constexpr std::uint32_t kFibonacciMultiplier = 0x9E3779B1U;
+  constexpr int kProductBits = 32;
+  return (unit * kFibonacciMultiplier) >> (kProductBits - slotBits);
+}
 
 template <typename T>
 std::vector<T> allocateScratch(std::size_t count, T initial = T{}) {
@@ -61,41 +69,66 @@ class MatchVectors {
   }
 
   std::size_t words_;
-  std::array<std::uint32_t, 256> lowSlots_{};
+  std::array<std::uint32_t, kByteRangeUnits> lowSlots_{};
   std::size_t lowCount_ = 0;
   std::vector<char16_t> highUnits_;
   std::vector<std::uint64_t> bits_;
 };
 
 // A bit per position of each unit of a text of at most one word's length, kept on the stack so
-// that short distances need no heap. Open addressing; an empty slot has no bits.
+// that short distances need no heap. Units below 256 have a slot each, the others share an open
+// addressing table in which an empty slot has no bits. Nothing is cleared up front but a bit per
+// low slot: a low slot is written when its unit first appears, the shared table when the first
+// unit beyond the byte range arrives, so a short text costs little more than its own units.
 class ShortMatchTable {
  public:
   explicit ShortMatchTable(std::u16string_view text) noexcept {
     for (std::size_t i = 0; i < text.size(); ++i) {
-      const std::size_t slot = slotOf(text[i]);
-      keys_[slot] = text[i];
-      bits_[slot] |= std::uint64_t{1} << i;
+      const char16_t unit = text[i];
+      const std::uint64_t bit = std::uint64_t{1} << i;
+      if (unit < kByteRangeUnits) {
+        const std::uint64_t seen = std::uint64_t{1} << (unit % kWordBits);
+        if (lowSeen_[unit / kWordBits] & seen) {
+          low_[unit] |= bit;
+        } else {
+          lowSeen_[unit / kWordBits] |= seen;
+          low_[unit] = bit;
+        }
+        continue;
+      }
+      if (!hasHigh_) {
+        highBits_.fill(0);
+        hasHigh_ = true;
+      }
+      const std::size_t slot = highSlotOf(unit);
+      highKeys_[slot] = unit;
+      highBits_[slot] |= bit;
     }
   }
 
-  std::uint64_t of(char16_t unit) const noexcept { return bits_[slotOf(unit)]; }
+  std::uint64_t of(char16_t unit) const noexcept {
+    if (unit < kByteRangeUnits) {
+      return (lowSeen_[unit / kWordBits] >> (unit % kWordBits)) & 1 ? low_[unit] : 0;
+    }
+    return hasHigh_ ? highBits_[highSlotOf(unit)] : 0;
+  }
 
  private:
   // Twice as many slots as a word has positions, so probes stay short.
   static constexpr std::size_t kSlots = 2 * kWordBits;
-  static constexpr int kSlotBits = std::countr_zero(kSlots);
-  static constexpr std::uint32_t kFibonacciMultiplier = 0x9E3779B1U;
 
   // The unit's slot, or the empty slot where it would go.
-  std::size_t slotOf(char16_t unit) const noexcept {
-    std::size_t slot = (unit * kFibonacciMultiplier) >> (32 - kSlotBits);
-    while (bits_[slot] != 0 && keys_[slot] != unit) slot = (slot + 1) % kSlots;
+  std::size_t highSlotOf(char16_t unit) const noexcept {
+    std::size_t slot = hashedSlot(unit, std::countr_zero(kSlots));
+    while (highBits_[slot] != 0 && highKeys_[slot] != unit) slot = (slot + 1) % kSlots;
     return slot;
   }
 
-  std::array<char16_t, kSlots> keys_{};
-  std::array<std::uint64_t, kSlots> bits_{};
+  std::array<std::uint64_t, kByteRangeUnits / kWordBits> lowSeen_{};
+  std::array<std::uint64_t, kByteRangeUnits> low_;
+  bool hasHigh_ = false;
+  std::array<char16_t, kSlots> highKeys_;
+  std::array<std::uint64_t, kSlots> highBits_;
 };
 
 // The single-word form of the bit-parallel distance below, for patterns of at most 64 units.
@@ -168,36 +201,81 @@ std::size_t alignmentDistance(std::u16string_view pattern, std::u16string_view t
   return distance;
 }
 
-// b's positions grouped by unit, each group in ascending order, with a cursor per group: the
-// windows only move forward, so a group's positions below the window are never wanted again.
-class PositionsByUnit {
+constexpr std::uint32_t kNoPosition = std::numeric_limits<std::uint32_t>::max();
+
+// b's positions chained by unit, with a cursor per unit. The windows only move forward, so a
+// unit's positions below the window are never wanted again, and the first free one in a window
+// is never before the last one taken: a unit's cursor only moves forward too.
+class PositionChains {
  public:
-  explicit PositionsByUnit(std::u16string_view text)
-      : text_(text),
-        order_(allocateScratch<std::uint32_t>(text.size())),
-        cursor_(allocateScratch<std::uint32_t>(text.size())) {
-    std::iota(order_.begin(), order_.end(), 0U);
-    std::stable_sort(order_.begin(), order_.end(),
-                     [text](std::uint32_t x, std::uint32_t y) { return text[x] < text[y]; });
-    std::iota(cursor_.begin(), cursor_.end(), 0U);
+  explicit PositionChains(std::u16string_view text)
+      : next_(allocateScratch<std::uint32_t>(text.size())) {
+    lowCursors_.fill(kNoPosition);
+    const auto highUnits = static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char16_t unit) { return !isLow(unit); }));
+    if (highUnits > 0) {
+      // At most half full, so probes stay short.
+      const std::size_t slots = std::bit_ceil(2 * std::min(highUnits, kUnitValues));
+      highSlotBits_ = std::countr_zero(slots);
+      highKeys_ = allocateScratch<char32_t>(slots, kEmptyKey);
+      highCursors_ = allocateScratch<std::uint32_t>(slots, kNoPosition);
+    }
+    for (std::size_t j = text.size(); j-- > 0;) {
+      std::uint32_t& first = addedCursor(text[j]);
+      next_[j] = first;
+      first = static_cast<std::uint32_t>(j);
+    }
   }
 
   // The first position of unit in [low, high) not taken before, taken now; high when none.
-  std::size_t take(char16_t unit, std::size_t low, std::size_t high) {
-    const auto group =
-        std::lower_bound(order_.begin(), order_.end(), unit,
-                         [this](std::uint32_t p, char16_t u) { return text_[p] < u; });
-    if (group == order_.end() || text_[*group] != unit) return high;
-    std::uint32_t& next = cursor_[static_cast<std::size_t>(group - order_.begin())];
-    while (next < order_.size() && text_[order_[next]] == unit && order_[next] < low) ++next;
-    if (next >= order_.size() || text_[order_[next]] != unit || order_[next] >= high) return high;
-    return order_[next++];
+  std::size_t take(char16_t unit, std::size_t low, std::size_t high) noexcept {
+    std::uint32_t* const cursor = cursorOf(unit);
+    if (cursor == nullptr) return high;
+    std::uint32_t position = *cursor;
+    while (position < low) position = next_[position];
+    if (position >= high) {
+      *cursor = position;
+      return high;
+    }
+    *cursor = next_[position];
+    return position;
   }
 
  private:
-  std::u16string_view text_;
-  std::vector<std::uint32_t> order_;
-  std::vector<std::uint32_t> cursor_;
+  static constexpr std::size_t kUnitValues = std::size_t{1} << 16;
+  static constexpr char32_t kEmptyKey = kUnitValues;
+
+  static bool isLow(char16_t unit) noexcept { return unit < kByteRangeUnits; }
+
+  // The high unit's slot, or the empty slot where it would go.
+  std::size_t highSlotOf(char16_t unit) const noexcept {
+    std::size_t slot = hashedSlot(unit, highSlotBits_);
+    while (highKeys_[slot] != unit && highKeys_[slot] != kEmptyKey) {
+      slot = (slot + 1) & (highKeys_.size() - 1);
+    }
+    return slot;
+  }
+
+  std::uint32_t& addedCursor(char16_t unit) noexcept {
+    if (isLow(unit)) return lowCursors_[unit];
+    const std::size_t slot = highSlotOf(unit);
+    highKeys_[slot] = unit;
+    return highCursors_[slot];
+  }
+
+  // Null when the text lacks the unit.
+  std::uint32_t* cursorOf(char16_t unit) noexcept {
+    if (isLow(unit)) return &lowCursors_[unit];
+    if (highKeys_.empty()) return nullptr;
+    const std::size_t slot = highSlotOf(unit);
+    return highKeys_[slot] == kEmptyKey ? nullptr : &highCursors_[slot];
+  }
+
+  std::vector<std::uint32_t> next_;
+  std::array<std::uint32_t, kByteRangeUnits> lowCursors_;
+  std::vector<char32_t> highKeys_;
+  std::vector<std::uint32_t> highCursors_;
+  int highSlotBits_ = 0;
 };
 
 // The Jaro similarity from the matching counts, with the Winkler boost for a shared prefix.
@@ -227,6 +305,32 @@ std::uint64_t bitsBelow(std::size_t count) noexcept {
   return count >= kWordBits ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
 }
 
+std::size_t wordsFor(std::size_t units) noexcept {
+  return (units + kWordBits - 1) / kWordBits;
+}
+
+void setBit(std::span<std::uint64_t> bits, std::size_t index) noexcept {
+  bits[index / kWordBits] |= std::uint64_t{1} << (index % kWordBits);
+}
+
+// Pairs a's matched units with b's in order; both sets of flags hold the same number of bits.
+std::size_t transpositions(std::u16string_view a, std::u16string_view b,
+                           std::span<const std::uint64_t> matchedA,
+                           std::span<const std::uint64_t> matchedB) noexcept {
+  std::size_t count = 0, wordB = 0;
+  std::uint64_t bitsB = matchedB.empty() ? 0 : matchedB[0];
+  for (std::size_t wordA = 0; wordA < matchedA.size(); ++wordA) {
+    for (std::uint64_t bitsA = matchedA[wordA]; bitsA != 0; bitsA &= bitsA - 1) {
+      while (bitsB == 0) bitsB = matchedB[++wordB];
+      const std::size_t i = wordA * kWordBits + static_cast<std::size_t>(std::countr_zero(bitsA));
+      const std::size_t j = wordB * kWordBits + static_cast<std::size_t>(std::countr_zero(bitsB));
+      bitsB &= bitsB - 1;
+      count += a[i] != b[j] ? 1 : 0;
+    }
+  }
+  return count;
+}
+
 // Both texts fit a word: the matched flags are words, and a unit's first free match in its window
 // is the lowest bit left.
 double shortJaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) noexcept {
@@ -238,7 +342,7 @@ double shortJaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) 
   for (std::size_t i = 0; i < n; ++i) {
     const std::size_t low = i > window ? i - window : 0;
     const std::size_t high = std::min(m, i + window + 1);
-    if (low >= high) continue;
+    if (low >= high) break;
     const std::uint64_t free = positions.of(a[i]) & bitsBelow(high) & ~bitsBelow(low) & ~matchedB;
     if (free == 0) continue;
     matchedB |= free & (~free + 1);
@@ -246,43 +350,44 @@ double shortJaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) 
     ++matches;
   }
   if (matches == 0) return 0.0;
+  return jaroWinkler(a, b, matches,
+                     transpositions(a, b, std::span(&matchedA, 1), std::span(&matchedB, 1)));
+}
 
-  std::size_t transpositions = 0;
-  for (; matchedA != 0; matchedA &= matchedA - 1, matchedB &= matchedB - 1) {
-    const auto i = static_cast<std::size_t>(std::countr_zero(matchedA));
-    const auto j = static_cast<std::size_t>(std::countr_zero(matchedB));
-    if (a[i] != b[j]) ++transpositions;
+// A failed allocation of the matched flags reports a byte per unit and four spare bytes: the
+// count describes flags of a byte each, whatever their size here.
+constexpr std::size_t kMatchFlagSlack = 4;
+
+// The matched flags of a text, a bit per unit.
+std::vector<std::uint64_t> allocateMatchFlags(std::size_t units) {
+  try {
+    return std::vector<std::uint64_t>(wordsFor(units));
+  } catch (const std::bad_alloc&) {
+    throw OutOfMemoryError::forBytes(units + kMatchFlagSlack);
   }
-  return jaroWinkler(a, b, matches, transpositions);
 }
 
 double jaroWinklerSimilarity(std::u16string_view a, std::u16string_view b) {
   const std::size_t n = a.size(), m = b.size();
   const std::size_t window = matchWindow(n, m);
-  auto matchedA = allocateScratch<char>(n + kMatchFlagSlack);
-  auto matchedB = allocateScratch<char>(m + kMatchFlagSlack);
-  PositionsByUnit positions(b);
+  auto matchedA = allocateMatchFlags(n);
+  auto matchedB = allocateMatchFlags(m);
+  PositionChains positions(b);
 
   std::size_t matches = 0;
   for (std::size_t i = 0; i < n; ++i) {
     const std::size_t low = i > window ? i - window : 0;
     const std::size_t high = std::min(m, i + window + 1);
-    if (low >= high) continue;
+    // The windows only move forward: once past b's end, every later one is empty too.
+    if (low >= high) break;
     const std::size_t j = positions.take(a[i], low, high);
     if (j == high) continue;
-    matchedA[i] = matchedB[j] = 1;
+    setBit(matchedA, i);
+    setBit(matchedB, j);
     ++matches;
   }
   if (matches == 0) return 0.0;
-
-  std::size_t transpositions = 0;
-  for (std::size_t i = 0, j = 0; i < n; ++i) {
-    if (!matchedA[i]) continue;
-    while (!matchedB[j]) ++j;
-    transpositions += a[i] != b[j++] ? 1 : 0;
-  }
-
-  return jaroWinkler(a, b, matches, transpositions);
+  return jaroWinkler(a, b, matches, transpositions(a, b, matchedA, matchedB));
 }
 
 }  // namespace

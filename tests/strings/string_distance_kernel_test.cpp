@@ -83,19 +83,22 @@ TEST(StringDistanceKernel, OutOfMemoryMessageShowsThe32BitByteCount) {
 double referenceLevenshtein(std::u16string_view a, std::u16string_view b) {
   const std::size_t n = a.size(), m = b.size();
   if (n == 0 || m == 0) return 1.0;
-  std::vector<std::vector<long long>> d(n + 1, std::vector<long long>(m + 1));
-  for (std::size_t i = 0; i <= n; ++i) d[i][0] = static_cast<long long>(i);
-  for (std::size_t j = 0; j <= m; ++j) d[0][j] = static_cast<long long>(j);
+  std::vector<long long> cells((n + 1) * (m + 1));
+  const auto d = [&cells, m](std::size_t i, std::size_t j) -> long long& {
+    return cells[i * (m + 1) + j];
+  };
+  for (std::size_t i = 0; i <= n; ++i) d(i, 0) = static_cast<long long>(i);
+  for (std::size_t j = 0; j <= m; ++j) d(0, j) = static_cast<long long>(j);
   for (std::size_t i = 1; i <= n; ++i) {
     for (std::size_t j = 1; j <= m; ++j) {
       const long long cost = a[i - 1] == b[j - 1] ? 0 : 1;
-      d[i][j] = std::min({d[i - 1][j - 1] + cost, d[i - 1][j] + 1, d[i][j - 1] + 1});
+      d(i, j) = std::min({d(i - 1, j - 1) + cost, d(i - 1, j) + 1, d(i, j - 1) + 1});
       if (i >= 2 && j >= 2 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
-        d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + cost);
+        d(i, j) = std::min(d(i, j), d(i - 2, j - 2) + cost);
       }
     }
   }
-  return 1.0 / (static_cast<double>(std::min(n, m)) / static_cast<double>(d[n][m]));
+  return 1.0 / (static_cast<double>(std::min(n, m)) / static_cast<double>(d(n, m)));
 }
 
 double referenceJaroWinkler(std::u16string_view a, std::u16string_view b) {
@@ -133,13 +136,35 @@ double referenceJaroWinkler(std::u16string_view a, std::u16string_view b) {
   return 1.0 - similarity;
 }
 
-std::u16string randomText(std::mt19937& random, std::size_t maxLength, char16_t alphabet) {
-  std::u16string text(random() % (maxLength + 1), u'\0');
-  for (auto& unit : text) {
-    // Mostly a small alphabet, now and then a unit beyond the byte range.
-    unit = random() % 8 ? static_cast<char16_t>(u'a' + random() % alphabet)
-                        : static_cast<char16_t>(0x3B1 + random() % 3);
+// What random texts are made of: each piece one unit or, outside the BMP, a surrogate pair.
+struct Alphabet {
+  std::string name;
+  std::vector<std::u16string> pieces;
+};
+
+std::vector<Alphabet> alphabets() {
+  std::vector<Alphabet> all{
+      {"two letters", {u"a", u"b"}},
+      {"five letters", {u"a", u"b", u"c", u"d", u"e"}},
+      {"letters and Greek", {u"a", u"b", u"c", u"\u03B1", u"\u03B2"}},
+      // Pairs sharing their high surrogate, next to a letter.
+      {"beyond the BMP", {u"\U0001F600", u"\U0001F601", u"\U0001F642", u"a"}},
+      {"wide", {}},
+  };
+  // Units from the whole 16-bit range, lone surrogates included: many distinct units that
+  // collide in any small table.
+  constexpr int kWideUnits = 300;
+  std::mt19937 random(16);
+  for (int i = 0; i < kWideUnits; ++i) {
+    all.back().pieces.emplace_back(1, static_cast<char16_t>(random()));
   }
+  return all;
+}
+
+std::u16string randomText(std::mt19937& random, std::size_t length, const Alphabet& alphabet) {
+  std::u16string text;
+  while (text.size() < length) text += alphabet.pieces[random() % alphabet.pieces.size()];
+  text.resize(length);
   return text;
 }
 
@@ -165,25 +190,71 @@ std::u16string edited(std::u16string text, std::mt19937& random) {
   return text;
 }
 
-TEST(StringDistanceKernel, FastPathsMatchTheReferences) {
+TEST(StringDistanceKernel, RandomPairsAgreeWithTheReferences) {
   std::mt19937 random(2024);
-  for (int round = 0; round < 2000; ++round) {
-    // Long enough in a third of the rounds to cross the 64-unit words of the bit-parallel path.
-    const std::size_t maxLength = round % 3 == 0 ? 200 : 40;
-    const auto alphabet = static_cast<char16_t>(2 + round % 5);
-    const std::u16string a = randomText(random, maxLength, alphabet);
-    const std::u16string b =
-        random() % 2 ? randomText(random, maxLength, alphabet) : edited(a, random);
-    ASSERT_EQ(levenshteinDistance(a, b), referenceLevenshtein(a, b)) << round;
-    ASSERT_EQ(jaroWinklerDistance(a, b), referenceJaroWinkler(a, b)) << round;
+  for (const auto& alphabet : alphabets()) {
+    for (int round = 0; round < 600; ++round) {
+      // Long enough in a third of the rounds to need several words per bit vector.
+      const std::size_t maxLength = round % 3 == 0 ? 200 : 40;
+      const std::u16string a = randomText(random, random() % (maxLength + 1), alphabet);
+      const std::u16string b = random() % 2
+                                   ? randomText(random, random() % (maxLength + 1), alphabet)
+                                   : edited(a, random);
+      ASSERT_EQ(levenshteinDistance(a, b), referenceLevenshtein(a, b)) << alphabet.name << round;
+      ASSERT_EQ(jaroWinklerDistance(a, b), referenceJaroWinkler(a, b)) << alphabet.name << round;
+    }
   }
 }
 
-// Every pair of texts over a three-unit alphabet (one unit beyond the byte range) up to four
+// Texts whose differing middles are one unit short of, exactly or one unit beyond a word, behind
+// a shared prefix and before a shared suffix of either length, so that both the stripped and the
+// whole lengths straddle the one-word paths.
+TEST(StringDistanceKernel, WordEdgesAgreeWithTheReferences) {
+  constexpr std::size_t kWordUnits = 64;
+  std::mt19937 random(64);
+  for (const auto& alphabet : alphabets()) {
+    for (const std::size_t affix : {std::size_t{0}, std::size_t{3}}) {
+      for (std::size_t lengthA = kWordUnits - 1; lengthA <= kWordUnits + 1; ++lengthA) {
+        for (std::size_t lengthB = kWordUnits - 1; lengthB <= kWordUnits + 1; ++lengthB) {
+          const std::u16string prefix = randomText(random, affix, alphabet);
+          const std::u16string suffix = randomText(random, affix, alphabet);
+          std::u16string middleA = randomText(random, lengthA, alphabet);
+          // Half the time b's middle is a's with a few neighbours swapped.
+          std::u16string middleB = randomText(random, lengthB, alphabet);
+          if (random() % 2) {
+            middleB = middleA;
+            middleB.resize(lengthB, u'x');
+            for (int swaps = 0; swaps < 4; ++swaps) {
+              const std::size_t at = random() % (lengthB - 1);
+              std::swap(middleB[at], middleB[at + 1]);
+            }
+          }
+          // A shared unit beyond the byte range, for the letter alphabets the only one in b.
+          middleA[lengthA / 2] = middleB[lengthB / 2] = u'\u2020';
+          // Ends that no alphabet has keep the middles from being stripped further.
+          middleA.front() = u'<';
+          middleA.back() = u'>';
+          middleB.front() = u'[';
+          middleB.back() = u']';
+          const std::u16string a = prefix + middleA + suffix, b = prefix + middleB + suffix;
+          const std::string trace =
+              alphabet.name + " " + std::to_string(a.size()) + "/" + std::to_string(b.size());
+          ASSERT_EQ(levenshteinDistance(a, b), referenceLevenshtein(a, b)) << trace;
+          ASSERT_EQ(levenshteinDistance(b, a), referenceLevenshtein(b, a)) << trace;
+          ASSERT_EQ(jaroWinklerDistance(a, b), referenceJaroWinkler(a, b)) << trace;
+          ASSERT_EQ(jaroWinklerDistance(b, a), referenceJaroWinkler(b, a)) << trace;
+        }
+      }
+    }
+  }
+}
+
+// Every pair of texts over a three-unit alphabet (one unit beyond the byte range) up to six
 // units: shared prefixes and suffixes, transpositions next to them, and every window size.
-TEST(StringDistanceKernel, EverySmallPairMatchesTheReferences) {
+TEST(StringDistanceKernel, EverySmallPairAgreesWithTheReferences) {
   std::vector<std::u16string> texts{u""};
-  for (std::size_t begin = 0, length = 1; length <= 4; ++length) {
+  constexpr std::size_t kLongest = 6;
+  for (std::size_t begin = 0, length = 1; length <= kLongest; ++length) {
     const std::size_t end = texts.size();
     for (std::size_t i = begin; i < end; ++i) {
       for (const char16_t unit : {u'a', u'b', u'\x3B1'}) texts.push_back(texts[i] + unit);
