@@ -38,16 +38,16 @@ REALstring repairedText(std::span<const std::uint8_t> data, REALstring placehold
 
 // The MemoryBlock and String forms read their argument's bytes the same way.
 template <class Source>
-REALarray readableStringArrayOf(Source source, RBInteger minLength) noexcept {
-  return guarded([&] {
+REALarray readableStringArrayOf(OnFailure policy, Source source, RBInteger minLength) noexcept {
+  return guarded(policy, [&] {
     const HostStringBytes bytes(source);
     return readableStringArray(bytes.bytes(), minLength);
   });
 }
 
 template <class Source>
-REALstring repairedTextOf(Source source, REALstring placeholder) noexcept {
-  return guarded([&] {
+REALstring repairedTextOf(OnFailure policy, Source source, REALstring placeholder) noexcept {
+  return guarded(policy, [&] {
     const HostStringBytes bytes(source);
     return repairedText(bytes.bytes(), placeholder);
   });
@@ -56,27 +56,29 @@ REALstring repairedTextOf(Source source, REALstring placeholder) noexcept {
 }  // namespace
 
 REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLength) noexcept {
-  return guarded([&] { return readableStringArray(pointedBytes(data, size), minLength); });
+  return guarded(OnFailure::raise,
+                 [&] { return readableStringArray(pointedBytes(data, size), minLength); });
 }
 
 REALarray GetStringsFromDataZEL_MemoryBlock(REALobject data, RBInteger minLength) noexcept {
-  return readableStringArrayOf(data, minLength);
+  return readableStringArrayOf(OnFailure::raise, data, minLength);
 }
 
 REALarray GetStringsFromDataZEL_String(REALstring data, RBInteger minLength) noexcept {
-  return readableStringArrayOf(data, minLength);
+  return readableStringArrayOf(OnFailure::raise, data, minLength);
 }
 
 REALstring CheckUTF8ZEL_Ptr(void* data, RBInteger size, REALstring placeholder) noexcept {
-  return guarded([&] { return repairedText(pointedBytes(data, size), placeholder); });
+  return guarded(OnFailure::raise,
+                 [&] { return repairedText(pointedBytes(data, size), placeholder); });
 }
 
 REALstring CheckUTF8ZEL_MemoryBlock(REALobject mem, REALstring placeholder) noexcept {
-  return repairedTextOf(mem, placeholder);
+  return repairedTextOf(OnFailure::raise, mem, placeholder);
 }
 
 REALstring CheckUTF8ZEL_String(REALstring data, REALstring placeholder) noexcept {
-  return repairedTextOf(data, placeholder);
+  return repairedTextOf(OnFailure::raise, data, placeholder);
 }
 
 }  // namespace zel::adapters

@@ -12,7 +12,7 @@
 namespace zel::adapters {
 
 REALobject yDecodeMemoryZEL(REALobject data) noexcept {
-  return quietOnOutOfMemory([&] {
+  return guarded(OnFailure::emptyIfOutOfMemory, [&] {
     MemoryBlockView block;
     openMemoryBlockView(block, data);
     const std::span<const std::uint8_t> body = block.bytes();
@@ -24,18 +24,19 @@ REALobject yDecodeMemoryZEL(REALobject data) noexcept {
 }
 
 REALstring yDecodeStringZEL(REALstring data) noexcept {
-  return bytesToString(encoding::kNone, &strings::yDecode, data);
+  return bytesToString(OnFailure::emptyIfOutOfMemory, encoding::kNone, &strings::yDecode, data);
 }
 
 REALstring DecodingFromMySQLZEL(REALstring s) noexcept {
-  return bytesToString(encoding::kNone, &strings::decodeMySqlEscapes, s);
+  return bytesToString(OnFailure::emptyIfOutOfMemory, encoding::kNone, &strings::decodeMySqlEscapes,
+                       s);
 }
 
 REALstring HexstringZEL(REALstring input, RBInteger hexLength, RBInteger lineLength,
                         REALstring lineStart, REALstring lineEnd, REALstring spacer,
                         REALstring filler) noexcept {
   return bytesToString(
-      encoding::kASCII,
+      OnFailure::emptyIfOutOfMemory, encoding::kASCII,
       [&](std::string_view bytes, std::string_view start, std::string_view end,
           std::string_view between, std::string_view fill) {
         return strings::hexDump(bytes, {hexLength, lineLength, start, end, between, fill});

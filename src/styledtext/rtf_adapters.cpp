@@ -80,7 +80,7 @@ class HostStyledTextSink final : public styledtext::StyledTextSink {
 }  // namespace
 
 REALstring RTFDataZELGetter(REALobject styledText, RBBoolean skipParagraphs) noexcept {
-  return guarded([&]() -> REALstring {
+  return guarded(OnFailure::raise, [&]() -> REALstring {
     const auto runs = styledtext::ReadStyleRuns(styledText, skipParagraphs != 0);
     const std::string rtf =
         styledtext::writeRtf(runs, {skipParagraphs != 0, &styledtext::SameFontName});
@@ -89,7 +89,7 @@ REALstring RTFDataZELGetter(REALobject styledText, RBBoolean skipParagraphs) noe
 }
 
 void RTFDataZELSetter(REALobject styledText, RBBoolean, REALstring rtf) noexcept {
-  guarded([&] {
+  guarded(OnFailure::raise, [&] {
     const HostStringBytes bytes(rtf);
     HostStyledTextSink sink(styledText);
     styledtext::readRtf(bytes.view(), sink);
