@@ -1,6 +1,5 @@
 #include "bridge/host_string_bytes.h"
 
-#include "bridge/memory_block.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
 
@@ -28,15 +27,6 @@ HostStringBytes::HostStringBytes(REALstring s, std::uint32_t encoding) noexcept 
   fixNullData();
 }
 
-HostStringBytes::HostStringBytes(REALobject block) noexcept : object_(block) {
-  if (block == nullptr) return;
-  host::REALLockObject(block);
-  data_ = static_cast<const char*>(memoryBlockData(block));
-  const RBInteger size = memoryBlockSize(block);
-  size_ = size > 0 ? static_cast<std::size_t>(size) : 0;
-  fixNullData();
-}
-
 void HostStringBytes::fixNullData() noexcept {
   if (data_ != nullptr || size_ == 0) return;
   size_ = 0;
@@ -45,13 +35,11 @@ void HostStringBytes::fixNullData() noexcept {
 
 void HostStringBytes::close() noexcept {
   if (string_ != nullptr) host::REALUnlockString(string_);
-  if (object_ != nullptr) host::REALUnlockObject(object_);
   if (stringDataHeld_) {
     if (debugEnabled()) debugLogLabel("REALDisposeStringData");
     host::PluginDisposeStringData(&stringData_);
   }
   string_ = nullptr;
-  object_ = nullptr;
   stringData_ = {};
   stringDataHeld_ = false;
   data_ = nullptr;

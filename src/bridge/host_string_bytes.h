@@ -1,4 +1,4 @@
-// The stored bytes of a host string (or of a MemoryBlock), borrowed for one call.
+// The stored bytes of a host string, borrowed for one call.
 #pragma once
 
 #include <cstddef>
@@ -17,8 +17,6 @@ class HostStringBytes {
   explicit HostStringBytes(REALstring s) noexcept;
   // The text converted by the host into `encoding`; empty when the host cannot convert.
   HostStringBytes(REALstring s, std::uint32_t encoding) noexcept;
-  // A MemoryBlock's data and size.
-  explicit HostStringBytes(REALobject block) noexcept;
   ~HostStringBytes() { close(); }
   HostStringBytes(const HostStringBytes&) = delete;
   HostStringBytes& operator=(const HostStringBytes&) = delete;
@@ -36,7 +34,6 @@ class HostStringBytes {
   void fixNullData() noexcept;
 
   REALstring string_ = nullptr;
-  REALobject object_ = nullptr;
   REALstringData stringData_{};
   bool stringDataHeld_ = false;
   const char* data_ = nullptr;

@@ -19,25 +19,21 @@ REALobject newMemoryBlock(RBInteger size) noexcept;
 // the block cannot be made.
 REALobject REALBuildMemoryblock(const void* bytes, RBInteger length) noexcept;
 
-// A MemoryBlock argument, locked while the view lives.
-struct MemoryBlockView {
-  REALobject block = nullptr;
-  const std::uint8_t* data = nullptr;
-  RBInteger size = 0;
-
-  MemoryBlockView() noexcept = default;
-  ~MemoryBlockView() { release(); }
+// A MemoryBlock argument's bytes, the block locked while the view lives. `size` 0 takes the
+// block's own size; the offset is the caller's to check. Nil or a block without data gives no
+// bytes.
+class MemoryBlockView {
+ public:
+  explicit MemoryBlockView(REALobject block, RBInteger offset = 0, RBInteger size = 0) noexcept;
+  ~MemoryBlockView();
   MemoryBlockView(const MemoryBlockView&) = delete;
   MemoryBlockView& operator=(const MemoryBlockView&) = delete;
 
-  std::span<const std::uint8_t> bytes() const noexcept {
-    return {data, data == nullptr || size <= 0 ? 0 : static_cast<std::size_t>(size)};
-  }
-  void release() noexcept;
-};
+  std::span<const std::uint8_t> bytes() const noexcept { return bytes_; }
 
-// `size` 0 takes the block's own size. The offset is the caller's to check.
-void openMemoryBlockView(MemoryBlockView& view, REALobject block, RBInteger offset = 0,
-                         RBInteger size = 0) noexcept;
+ private:
+  REALobject block_;
+  std::span<const std::uint8_t> bytes_;
+};
 
 }  // namespace zel

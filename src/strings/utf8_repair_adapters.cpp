@@ -9,6 +9,7 @@
 
 #include "bridge/adapter_support.h"
 #include "bridge/host_text.h"
+#include "bridge/memory_block.h"
 #include "framework/exceptions.h"
 #include "strings/utf8_repair.h"
 
@@ -36,23 +37,6 @@ REALstring repairedText(std::span<const std::uint8_t> data, REALstring placehold
   return buildString(strings::repairUtf8(data, filler.utf8()), encoding::kUTF8);
 }
 
-// The MemoryBlock and String forms read their argument's bytes the same way.
-template <class Source>
-REALarray readableStringArrayOf(OnFailure policy, Source source, RBInteger minLength) noexcept {
-  return guarded(policy, [&] {
-    const HostStringBytes bytes(source);
-    return readableStringArray(bytes.bytes(), minLength);
-  });
-}
-
-template <class Source>
-REALstring repairedTextOf(OnFailure policy, Source source, REALstring placeholder) noexcept {
-  return guarded(policy, [&] {
-    const HostStringBytes bytes(source);
-    return repairedText(bytes.bytes(), placeholder);
-  });
-}
-
 }  // namespace
 
 REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLength) noexcept {
@@ -61,11 +45,17 @@ REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLen
 }
 
 REALarray GetStringsFromDataZEL_MemoryBlock(REALobject data, RBInteger minLength) noexcept {
-  return readableStringArrayOf(OnFailure::raise, data, minLength);
+  return guarded(OnFailure::raise, [&] {
+    const MemoryBlockView block(data);
+    return readableStringArray(block.bytes(), minLength);
+  });
 }
 
 REALarray GetStringsFromDataZEL_String(REALstring data, RBInteger minLength) noexcept {
-  return readableStringArrayOf(OnFailure::raise, data, minLength);
+  return guarded(OnFailure::raise, [&] {
+    const HostStringBytes bytes(data);
+    return readableStringArray(bytes.bytes(), minLength);
+  });
 }
 
 REALstring CheckUTF8ZEL_Ptr(void* data, RBInteger size, REALstring placeholder) noexcept {
@@ -74,11 +64,17 @@ REALstring CheckUTF8ZEL_Ptr(void* data, RBInteger size, REALstring placeholder) 
 }
 
 REALstring CheckUTF8ZEL_MemoryBlock(REALobject mem, REALstring placeholder) noexcept {
-  return repairedTextOf(OnFailure::raise, mem, placeholder);
+  return guarded(OnFailure::raise, [&] {
+    const MemoryBlockView block(mem);
+    return repairedText(block.bytes(), placeholder);
+  });
 }
 
 REALstring CheckUTF8ZEL_String(REALstring data, REALstring placeholder) noexcept {
-  return repairedTextOf(OnFailure::raise, data, placeholder);
+  return guarded(OnFailure::raise, [&] {
+    const HostStringBytes bytes(data);
+    return repairedText(bytes.bytes(), placeholder);
+  });
 }
 
 }  // namespace zel::adapters

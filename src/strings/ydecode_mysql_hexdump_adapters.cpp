@@ -13,8 +13,7 @@ namespace zel::adapters {
 
 REALobject yDecodeMemoryZEL(REALobject data) noexcept {
   return guarded(OnFailure::emptyIfOutOfMemory, [&] {
-    MemoryBlockView block;
-    openMemoryBlockView(block, data);
+    const MemoryBlockView block(data);
     const std::span<const std::uint8_t> body = block.bytes();
     const std::string decoded =
         strings::yDecode({reinterpret_cast<const char*>(body.data()), body.size()});

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "bridge/adapter_support.h"
-#include "bridge/host_string_bytes.h"
 #include "bridge/host_text.h"
 #include "bridge_fixture.h"
 
@@ -78,31 +77,26 @@ TEST_F(MemoryBlockTest, FailuresRaiseOutOfMemory) {
 }
 
 TEST_F(MemoryBlockTest, ViewsLockTheirBlock) {
+  const auto text = [](const MemoryBlockView& view) {
+    return std::string_view(reinterpret_cast<const char*>(view.bytes().data()),
+                            view.bytes().size());
+  };
   REALobject block = zelhost::makeMemoryBlock("hello");
   {
-    MemoryBlockView view;
-    openMemoryBlockView(view, block, 1, 3);
+    const MemoryBlockView part(block, 1, 3);
     EXPECT_EQ(zelhost::referenceCount(block), 2);
-    EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(view.data), 3), "ell");
-    openMemoryBlockView(view, block);  // reopening lets the first lock go
-    EXPECT_EQ(view.size, 5);
-    EXPECT_EQ(zelhost::referenceCount(block), 2);
-    HostStringBytes bytes(block);
-    EXPECT_EQ(bytes.view(), "hello");
+    EXPECT_EQ(text(part), "ell");
+    const MemoryBlockView whole(block);
+    EXPECT_EQ(zelhost::referenceCount(block), 3);
+    EXPECT_EQ(text(whole), "hello");
   }
   EXPECT_EQ(zelhost::referenceCount(block), 1);
   zelhost::release(block);
 
-  MemoryBlockView nil;
-  openMemoryBlockView(nil, nullptr, 0, 8);
-  EXPECT_EQ(nil.data, nullptr);
-  EXPECT_EQ(nil.size, 0);
+  EXPECT_TRUE(MemoryBlockView(nullptr, 0, 8).bytes().empty());
   REALobject empty = zelhost::makeMemoryBlockWithoutData(8);
-  MemoryBlockView withoutData;
-  openMemoryBlockView(withoutData, empty);
-  EXPECT_EQ(withoutData.size, 0);
-  EXPECT_EQ(logCount("data is NULL, so size fixed to zero."), 2);
-  withoutData.release();
+  EXPECT_TRUE(MemoryBlockView(empty).bytes().empty());
+  EXPECT_EQ(logCount("data is NULL, so size fixed to zero."), 1);
   zelhost::release(empty);
 }
 
