@@ -86,64 +86,65 @@ REALstring StringXOR2ZEL(REALstring data, REALstring xorMask, RBInteger maskOffs
                        maskOffset);
 }
 
-REALstring ConcatBinaryStringsZEL6(REALstring a, REALstring b, REALstring c, REALstring d,
-                                   REALstring e, REALstring f) noexcept {
+REALstring ConcatBinaryStringsZEL_6Strings(REALstring a, REALstring b, REALstring c, REALstring d,
+                                           REALstring e, REALstring f) noexcept {
   return bytesToString(
       OnFailure::emptyIfOutOfMemory, encoding::kNone,
       [](auto... parts) { return strings::concatBytes({parts...}); }, a, b, c, d, e, f);
 }
 
-REALstring ConcatBinaryStringsZEL5(REALstring a, REALstring b, REALstring c, REALstring d,
-                                   REALstring e) noexcept {
-  return ConcatBinaryStringsZEL6(a, b, c, d, e, nullptr);
+REALstring ConcatBinaryStringsZEL_5Strings(REALstring a, REALstring b, REALstring c, REALstring d,
+                                           REALstring e) noexcept {
+  return ConcatBinaryStringsZEL_6Strings(a, b, c, d, e, nullptr);
 }
 
-REALstring ConcatBinaryStringsZEL4(REALstring a, REALstring b, REALstring c,
-                                   REALstring d) noexcept {
-  return ConcatBinaryStringsZEL6(a, b, c, d, nullptr, nullptr);
+REALstring ConcatBinaryStringsZEL_4Strings(REALstring a, REALstring b, REALstring c,
+                                           REALstring d) noexcept {
+  return ConcatBinaryStringsZEL_6Strings(a, b, c, d, nullptr, nullptr);
 }
 
-REALstring ConcatBinaryStringsZEL3(REALstring a, REALstring b, REALstring c) noexcept {
-  return ConcatBinaryStringsZEL6(a, b, c, nullptr, nullptr, nullptr);
+REALstring ConcatBinaryStringsZEL_3Strings(REALstring a, REALstring b, REALstring c) noexcept {
+  return ConcatBinaryStringsZEL_6Strings(a, b, c, nullptr, nullptr, nullptr);
 }
 
-REALstring ConcatBinaryStringsZEL2(REALstring a, REALstring b) noexcept {
-  return ConcatBinaryStringsZEL6(a, b, nullptr, nullptr, nullptr, nullptr);
+REALstring ConcatBinaryStringsZEL_2Strings(REALstring a, REALstring b) noexcept {
+  return ConcatBinaryStringsZEL_6Strings(a, b, nullptr, nullptr, nullptr, nullptr);
 }
 
 RBInteger InStrBytesZEL(REALstring target, REALstring find) noexcept {
   return readBytes(OnFailure::emptyIfOutOfMemory, &strings::positionOfAnyByte, target, find);
 }
 
-RBInteger InStrByteRangeZEL1(REALstring target, RBInteger start, RBInteger end) noexcept {
+RBInteger InStrByteRangeZEL_1Range(REALstring target, RBInteger start, RBInteger end) noexcept {
   return positionInRanges(OnFailure::emptyIfOutOfMemory, target, {{start, end}});
 }
 
-RBInteger InStrByteRangeZEL2(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
-                             RBInteger end2) noexcept {
+RBInteger InStrByteRangeZEL_2Ranges(REALstring target, RBInteger start, RBInteger end,
+                                    RBInteger start2, RBInteger end2) noexcept {
   return positionInRanges(OnFailure::emptyIfOutOfMemory, target, {{start, end}, {start2, end2}});
 }
 
-RBInteger InStrByteRangeZEL3(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
-                             RBInteger end2, RBInteger start3, RBInteger end3) noexcept {
+RBInteger InStrByteRangeZEL_3Ranges(REALstring target, RBInteger start, RBInteger end,
+                                    RBInteger start2, RBInteger end2, RBInteger start3,
+                                    RBInteger end3) noexcept {
   return positionInRanges(OnFailure::emptyIfOutOfMemory, target,
                           {{start, end}, {start2, end2}, {start3, end3}});
 }
 
-RBInteger InStrByteRangeFindZEL1(REALstring target, REALstring find, RBInteger start,
-                                 RBInteger end) noexcept {
+RBInteger InStrByteRangeZEL_Find1Range(REALstring target, REALstring find, RBInteger start,
+                                       RBInteger end) noexcept {
   return positionInRangesOrSet(OnFailure::emptyIfOutOfMemory, target, find, {{start, end}});
 }
 
-RBInteger InStrByteRangeFindZEL2(REALstring target, REALstring find, RBInteger start, RBInteger end,
-                                 RBInteger start2, RBInteger end2) noexcept {
+RBInteger InStrByteRangeZEL_Find2Ranges(REALstring target, REALstring find, RBInteger start,
+                                        RBInteger end, RBInteger start2, RBInteger end2) noexcept {
   return positionInRangesOrSet(OnFailure::emptyIfOutOfMemory, target, find,
                                {{start, end}, {start2, end2}});
 }
 
-RBInteger InStrByteRangeFindZEL3(REALstring target, REALstring find, RBInteger start, RBInteger end,
-                                 RBInteger start2, RBInteger end2, RBInteger start3,
-                                 RBInteger end3) noexcept {
+RBInteger InStrByteRangeZEL_Find3Ranges(REALstring target, REALstring find, RBInteger start,
+                                        RBInteger end, RBInteger start2, RBInteger end2,
+                                        RBInteger start3, RBInteger end3) noexcept {
   return positionInRangesOrSet(OnFailure::emptyIfOutOfMemory, target, find,
                                {{start, end}, {start2, end2}, {start3, end3}});
 }

@@ -79,7 +79,7 @@ class HostStyledTextSink final : public styledtext::StyledTextSink {
 
 }  // namespace
 
-REALstring RTFDataZELGetter(REALobject styledText, RBBoolean skipParagraphs) noexcept {
+REALstring RTFDataZEL_Getter(REALobject styledText, RBBoolean skipParagraphs) noexcept {
   return guarded(OnFailure::raise, [&]() -> REALstring {
     const auto runs = styledtext::ReadStyleRuns(styledText, skipParagraphs != 0);
     const std::string rtf =
@@ -88,7 +88,7 @@ REALstring RTFDataZELGetter(REALobject styledText, RBBoolean skipParagraphs) noe
   });
 }
 
-void RTFDataZELSetter(REALobject styledText, RBBoolean, REALstring rtf) noexcept {
+void RTFDataZEL_Setter(REALobject styledText, RBBoolean, REALstring rtf) noexcept {
   guarded(OnFailure::raise, [&] {
     const HostStringBytes bytes(rtf);
     HostStyledTextSink sink(styledText);
