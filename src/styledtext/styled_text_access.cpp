@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <utility>
 
 #include "bridge/adapter_support.h"
@@ -263,7 +264,7 @@ void StyleRunSetFontName(REALobject run, REALstring name) noexcept {
   }
   if (debugEnabled()) {
     debugLogString("StyleRunSetFontName", name);
-    debugLogInt64("LengthUTF8", HostText(name).Utf8Length());
+    debugLogInt64("LengthUTF8", static_cast<std::int64_t>(HostText(name).utf8().size()));
   }
   if (setFontProperty(run, "Font", name, "Failed to query Font property!")) return;
   debugLogLabel("Failed to set Font property, trying FontName.");
