@@ -46,4 +46,20 @@ void HostStringBytes::close() noexcept {
   size_ = 0;
 }
 
+std::optional<std::span<std::uint8_t>> inlineStorage(REALstring s) noexcept {
+  RBInteger size = 0;
+  // The caller writes into the host's own storage: that is its purpose.
+  char* const data = const_cast<char*>(host::StringGetCString(s, &size));
+  const auto offset = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(data) -
+                                                  reinterpret_cast<std::uintptr_t>(s));
+  if (debugEnabled()) {
+    debugLogInt64("mPrivateStringDelta1", offset);
+    debugLogInt64("mySize", size);
+    debugLogPointer("myData", data);
+  }
+  if (offset != kInlineStringDataOffset) return std::nullopt;
+  const std::size_t count = data == nullptr || size < 0 ? 0 : static_cast<std::size_t>(size);
+  return std::span(reinterpret_cast<std::uint8_t*>(data), count);
+}
+
 }  // namespace zel

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -39,5 +40,9 @@ class HostStringBytes {
   const char* data_ = nullptr;
   std::size_t size_ = 0;
 };
+
+// The bytes a host string stores inside its own object, writable: a wipe may only go there.
+// Nothing when they lie elsewhere.
+std::optional<std::span<std::uint8_t>> inlineStorage(REALstring s) noexcept;
 
 }  // namespace zel

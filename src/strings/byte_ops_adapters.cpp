@@ -1,13 +1,11 @@
 #include "strings/byte_ops_adapters.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
 #include "bridge/adapter_support.h"
-#include "framework/debug_log.h"
 #include "framework/host_api.h"
 #include "strings/byte_ops.h"
 
@@ -166,21 +164,9 @@ REALstring CreateStringZEL(RBInteger length, REALstring content) noexcept {
 RBBoolean ClearStringContentZEL(REALstring s) noexcept {
   if (s == nullptr) return false;
   return guarded(OnFailure::raise, [&]() -> RBBoolean {
-    RBInteger size = 0;
-    // The wipe writes into the host's own storage: that is its purpose.
-    char* const data = const_cast<char*>(host::StringGetCString(s, &size));
-    const auto offset = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(data) -
-                                                    reinterpret_cast<std::uintptr_t>(s));
-    if (debugEnabled()) {
-      debugLogInt64("mPrivateStringDelta1", offset);
-      debugLogInt64("mySize", size);
-      debugLogPointer("myData", data);
-    }
-    const std::size_t count = data == nullptr || size < 0 ? 0 : static_cast<std::size_t>(size);
-    // Only bytes inside the string's own object are the host's to wipe.
-    if (offset != kInlineStringDataOffset) return false;
-    strings::wipeBytes({reinterpret_cast<std::uint8_t*>(data), count});
-    return true;
+    const auto storage = inlineStorage(s);
+    if (storage) strings::wipeBytes(*storage);
+    return storage.has_value();
   });
 }
 
