@@ -60,7 +60,7 @@ REALstring shareString(REALstring argument) noexcept;
 REALarray buildStringArray(std::span<const std::string> items, std::uint32_t encoding) noexcept;
 
 // A MemoryBlock result; nil for no bytes, OutOfMemoryException when the block cannot be made.
-REALobject buildMemoryBlock(std::span<const std::uint8_t> bytes) noexcept;
+REALobject buildMemoryBlock(std::string_view bytes) noexcept;
 
 // Runs a kernel over the bytes of the string arguments, borrowed for the call (nil reads as no
 // bytes), and hands back its number or Boolean.

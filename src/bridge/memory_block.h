@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "sdk/host_types.h"
 
@@ -30,6 +31,9 @@ class MemoryBlockView {
   MemoryBlockView& operator=(const MemoryBlockView&) = delete;
 
   std::span<const std::uint8_t> bytes() const noexcept { return bytes_; }
+  std::string_view view() const noexcept {
+    return {reinterpret_cast<const char*>(bytes_.data()), bytes_.size()};
+  }
 
  private:
   REALobject block_;

@@ -1,8 +1,5 @@
 #include "strings/ydecode_mysql_hexdump_adapters.h"
 
-#include <cstdint>
-#include <span>
-#include <string>
 #include <string_view>
 
 #include "bridge/adapter_support.h"
@@ -14,11 +11,7 @@ namespace zel::adapters {
 REALobject yDecodeMemoryZEL(REALobject data) noexcept {
   return guarded(OnFailure::emptyIfOutOfMemory, [&] {
     const MemoryBlockView block(data);
-    const std::span<const std::uint8_t> body = block.bytes();
-    const std::string decoded =
-        strings::yDecode({reinterpret_cast<const char*>(body.data()), body.size()});
-    return buildMemoryBlock(
-        {reinterpret_cast<const std::uint8_t*>(decoded.data()), decoded.size()});
+    return buildMemoryBlock(strings::yDecode(block.view()));
   });
 }
 

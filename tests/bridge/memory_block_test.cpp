@@ -15,12 +15,7 @@ namespace {
 using zeltest::BridgeTest;
 using zeltest::HostString;
 
-class MemoryBlockTest : public BridgeTest {
- protected:
-  static std::span<const std::uint8_t> bytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-  }
-};
+using MemoryBlockTest = BridgeTest;
 
 TEST_F(MemoryBlockTest, ReadsDataAndSize) {
   REALobject block = zelhost::makeMemoryBlock("abc");
@@ -77,18 +72,14 @@ TEST_F(MemoryBlockTest, FailuresRaiseOutOfMemory) {
 }
 
 TEST_F(MemoryBlockTest, ViewsLockTheirBlock) {
-  const auto text = [](const MemoryBlockView& view) {
-    return std::string_view(reinterpret_cast<const char*>(view.bytes().data()),
-                            view.bytes().size());
-  };
   REALobject block = zelhost::makeMemoryBlock("hello");
   {
     const MemoryBlockView part(block, 1, 3);
     EXPECT_EQ(zelhost::referenceCount(block), 2);
-    EXPECT_EQ(text(part), "ell");
+    EXPECT_EQ(part.view(), "ell");
     const MemoryBlockView whole(block);
     EXPECT_EQ(zelhost::referenceCount(block), 3);
-    EXPECT_EQ(text(whole), "hello");
+    EXPECT_EQ(whole.view(), "hello");
   }
   EXPECT_EQ(zelhost::referenceCount(block), 1);
   zelhost::release(block);
@@ -157,7 +148,7 @@ TEST_F(MemoryBlockTest, AdapterHelpers) {
   zelhost::setServiceFailing("RuntimeArrayCreateSingleDimBoundedArray");
   EXPECT_EQ(buildStringArray(items, encoding::kUTF8), nullptr);
 
-  REALobject block = buildMemoryBlock(bytesOf("\x01\x02"));
+  REALobject block = buildMemoryBlock("\x01\x02");
   EXPECT_EQ(zelhost::memoryBlockBytes(block), "\x01\x02");
   zelhost::release(block);
 }
