@@ -27,6 +27,12 @@ HostStringBytes::HostStringBytes(REALstring s, std::uint32_t encoding) noexcept 
   fixNullData();
 }
 
+HostStringBytes::HostStringBytes(REALobject block) noexcept {
+  openMemoryBlockView(block_, block);
+  data_ = reinterpret_cast<const char*>(block_.data);
+  size_ = block_.bytes().size();
+}
+
 void HostStringBytes::fixNullData() noexcept {
   if (data_ != nullptr || size_ == 0) return;
   size_ = 0;
@@ -35,6 +41,7 @@ void HostStringBytes::fixNullData() noexcept {
 
 void HostStringBytes::close() noexcept {
   if (string_ != nullptr) host::REALUnlockString(string_);
+  block_.release();
   if (stringDataHeld_) {
     if (debugEnabled()) debugLogLabel("REALDisposeStringData");
     host::PluginDisposeStringData(&stringData_);

@@ -1,4 +1,4 @@
-// The stored bytes of a host string, borrowed for one call.
+// The stored bytes of a host string (or of a MemoryBlock), borrowed for one call.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 
+#include "bridge/memory_block.h"
 #include "sdk/host_types.h"
 
 namespace zel {
@@ -18,6 +19,8 @@ class HostStringBytes {
   explicit HostStringBytes(REALstring s) noexcept;
   // The text converted by the host into `encoding`; empty when the host cannot convert.
   HostStringBytes(REALstring s, std::uint32_t encoding) noexcept;
+  // A MemoryBlock's data and size, read through its view.
+  explicit HostStringBytes(REALobject block) noexcept;
   ~HostStringBytes() { close(); }
   HostStringBytes(const HostStringBytes&) = delete;
   HostStringBytes& operator=(const HostStringBytes&) = delete;
@@ -35,6 +38,7 @@ class HostStringBytes {
   void fixNullData() noexcept;
 
   REALstring string_ = nullptr;
+  MemoryBlockView block_;
   REALstringData stringData_{};
   bool stringDataHeld_ = false;
   const char* data_ = nullptr;

@@ -32,11 +32,23 @@ class HostText {
   HostText(const HostText&) = delete;
   HostText& operator=(const HostText&) = delete;
 
-  // Each view is followed by a zero unit, so data() can go where a terminated text is wanted.
-  std::string_view ascii() noexcept { return viewOf<char>(kAscii); }
-  std::string_view utf8() noexcept { return viewOf<char>(kUtf8); }
-  std::u16string_view utf16() noexcept { return viewOf<char16_t>(kUtf16); }
-  std::u32string_view utf32() noexcept { return viewOf<char32_t>(kUtf32); }
+  // Each view is followed by a zero unit, so its pointer can go where a terminated text is wanted.
+  const char* AsciiText() noexcept { return static_cast<const char*>(view(kAscii)); }
+  const char* Utf8Text() noexcept { return static_cast<const char*>(view(kUtf8)); }
+  // Null instead of the empty text.
+  const char* Utf8TextOrNull() noexcept { return Utf8Length() == 0 ? nullptr : Utf8Text(); }
+  const char16_t* Utf16Text() noexcept { return static_cast<const char16_t*>(view(kUtf16)); }
+  const char32_t* Utf32Text() noexcept { return static_cast<const char32_t*>(view(kUtf32)); }
+  RBInteger AsciiLength() noexcept { return length(kAscii); }
+  RBInteger Utf8Length() noexcept { return length(kUtf8); }
+  RBInteger Utf16Length() noexcept { return length(kUtf16); }
+  RBInteger Utf32Length() noexcept { return length(kUtf32); }
+
+  // The same views, counted: what the kernels take.
+  std::string_view ascii() noexcept { return {AsciiText(), size(kAscii)}; }
+  std::string_view utf8() noexcept { return {Utf8Text(), size(kUtf8)}; }
+  std::u16string_view utf16() noexcept { return {Utf16Text(), size(kUtf16)}; }
+  std::u32string_view utf32() noexcept { return {Utf32Text(), size(kUtf32)}; }
 
   // The argument, or its Windows Latin 1 rebuild when it came without encoding.
   REALstring source() const noexcept { return source_; }
@@ -66,11 +78,11 @@ class HostText {
 
   void reset() noexcept;
   const void* view(ViewKind kind) noexcept;
-  template <class Unit>
-  std::basic_string_view<Unit> viewOf(ViewKind kind) noexcept {
-    const auto* data = static_cast<const Unit*>(view(kind));
-    return {data, static_cast<std::size_t>(views_[kind].length)};
+  RBInteger length(ViewKind kind) noexcept {
+    view(kind);
+    return views_[kind].length;
   }
+  std::size_t size(ViewKind kind) noexcept { return static_cast<std::size_t>(length(kind)); }
 
   std::span<const std::uint8_t> classify() noexcept;
   void applyNoEncodingRule() noexcept;

@@ -1,5 +1,6 @@
 #include "bridge/memory_block.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -95,21 +96,33 @@ REALobject REALBuildMemoryblock(const void* bytes, RBInteger length) noexcept {
   return nullptr;
 }
 
-MemoryBlockView::MemoryBlockView(REALobject block, RBInteger offset, RBInteger size) noexcept
-    : block_(block) {
-  if (block == nullptr) return;
-  host::REALLockObject(block);
-  const auto* data = static_cast<const std::uint8_t*>(memoryBlockData(block));
-  if (size == 0) size = memoryBlockSize(block);
-  if (data == nullptr) {
-    if (size > 0 && debugEnabled()) debugLogLabel("data is NULL, so size fixed to zero.");
-    return;
-  }
-  if (size > 0) bytes_ = {data + offset, static_cast<std::size_t>(size)};
+MemoryBlockView::MemoryBlockView(REALobject source, RBInteger offset, RBInteger length) noexcept {
+  openMemoryBlockView(*this, source, offset, length);
 }
 
-MemoryBlockView::~MemoryBlockView() {
-  if (block_ != nullptr) host::REALUnlockObject(block_);
+void MemoryBlockView::release() noexcept {
+  if (block != nullptr) host::REALUnlockObject(block);
+  block = nullptr;
+  data = nullptr;
+  size = 0;
+}
+
+void openMemoryBlockView(MemoryBlockView& view, REALobject block, RBInteger offset,
+                         RBInteger size) noexcept {
+  view.release();
+  view.size = size;
+  if (block != nullptr) {
+    host::REALLockObject(block);
+    view.block = block;
+    if (size == 0) view.size = std::max<RBInteger>(memoryBlockSize(block), 0);
+    if (auto* data = static_cast<const std::uint8_t*>(memoryBlockData(block))) {
+      view.data = data + offset;
+    }
+  }
+  if (view.data == nullptr && view.size != 0) {
+    view.size = 0;
+    if (debugEnabled()) debugLogLabel("data is NULL, so size fixed to zero.");
+  }
 }
 
 }  // namespace zel

@@ -117,4 +117,10 @@ REALstring REALBuildUnicodeStringUTF32(const void* data, RBInteger byteCount) no
   return REALBuildUnicodeStringUTF16(units, static_cast<RBInteger>(unitCount * 2));
 }
 
+REALstring REALBuildUnicodeStringUTF16Terminated(const char16_t* units) noexcept {
+  if (units == nullptr) return nullptr;
+  const std::size_t count = std::u16string_view(units).size();
+  return REALBuildUnicodeString(units, static_cast<RBInteger>(count * 2), encoding::kUTF16);
+}
+
 }  // namespace zel

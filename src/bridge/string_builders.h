@@ -19,4 +19,7 @@ REALstring REALBuildUnicodeStringUTF16(const void* data, RBInteger byteCount) no
 // A trailing partial code point is ignored.
 REALstring REALBuildUnicodeStringUTF32(const void* data, RBInteger byteCount) noexcept;
 
+// UTF-16 units up to their terminating zero.
+REALstring REALBuildUnicodeStringUTF16Terminated(const char16_t* units) noexcept;
+
 }  // namespace zel

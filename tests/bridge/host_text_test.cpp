@@ -77,18 +77,19 @@ TEST_F(HostTextTest, EveryViewOfEveryKindOfString) {
     if (c.ascii) {
       EXPECT_EQ(text.ascii(), *c.ascii);
     }
-    EXPECT_EQ(text.utf16().data()[text.utf16().size()], 0);
-    EXPECT_EQ(text.utf32().data()[text.utf32().size()], 0U);
-    EXPECT_EQ(text.utf8().data()[text.utf8().size()], 0);
+    EXPECT_EQ(text.Utf16Text()[text.Utf16Length()], 0);
+    EXPECT_EQ(text.Utf32Text()[text.Utf32Length()], 0U);
+    EXPECT_EQ(text.Utf8Text()[text.Utf8Length()], 0);
   }
 }
 
 TEST_F(HostTextTest, NilIsEmptyEverywhere) {
   HostText text(nullptr);
-  EXPECT_TRUE(text.ascii().empty());
-  EXPECT_STREQ(text.utf8().data(), "");
-  EXPECT_TRUE(text.utf16().empty());
-  EXPECT_EQ(text.utf32().data()[0], 0U);
+  EXPECT_EQ(text.AsciiLength(), 0);
+  EXPECT_STREQ(text.Utf8Text(), "");
+  EXPECT_EQ(text.Utf8TextOrNull(), nullptr);
+  EXPECT_EQ(text.Utf16Length(), 0);
+  EXPECT_EQ(text.Utf32Text()[0], 0U);
   EXPECT_EQ(zelhost::serviceCalls("REALLockString"), 0);
 }
 
@@ -99,7 +100,7 @@ TEST_F(HostTextTest, LogsTheConversionsItMakes) {
         "b",
         encoding::kUTF8);
     HostText text(bad);
-    text.utf16();
+    text.Utf16Text();
   }
   EXPECT_EQ(logCount("ZEL Debug: Try UTF8 to UTF16 conversion..."), 1);
   EXPECT_EQ(logCount("ZEL Debug: Illegal UTF-8 sequence! 1"), 1);
@@ -124,9 +125,9 @@ TEST_F(HostTextTest, AsciiAndUtf8ArgumentsAreNeverCopiedForTheir8BitViews) {
   for (const auto& c : cases) {
     const HostString source(c.bytes, c.encoding);
     HostText text(source);
-    EXPECT_EQ(static_cast<const void*>(text.utf8().data()), zelhost::stringStorage(source));
+    EXPECT_EQ(static_cast<const void*>(text.Utf8Text()), zelhost::stringStorage(source));
     if (c.asciiToo) {
-      EXPECT_EQ(static_cast<const void*>(text.ascii().data()), zelhost::stringStorage(source));
+      EXPECT_EQ(static_cast<const void*>(text.AsciiText()), zelhost::stringStorage(source));
     }
   }
   EXPECT_EQ(zelhost::serviceCalls("PluginGetStringData"), 0);
@@ -136,16 +137,16 @@ TEST_F(HostTextTest, EachViewIsComputedOnce) {
   const HostString latin(std::string("\xE9t\xE9"), encoding::kISOLatin1);
   HostText text(latin);
   for (int round = 0; round < 3; ++round) {
-    text.ascii();
-    text.utf8();
+    text.AsciiText();
+    text.Utf8Length();
     text.utf16();
-    text.utf32();
+    text.Utf32Text();
   }
   EXPECT_EQ(zelhost::serviceCalls("PluginGetStringData"), 4);
   EXPECT_EQ(zelhost::liveCounts().stringData, 4);
   text.close();
   EXPECT_EQ(zelhost::liveCounts().stringData, 0);
-  EXPECT_TRUE(text.utf8().empty());  // a closed record is empty
+  EXPECT_EQ(text.Utf8Length(), 0);  // a closed record is empty
 }
 
 TEST_F(HostTextTest, FallbackFromUtf16CombinesUnits) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bridge/adapter_support.h"
+#include "bridge/host_string_bytes.h"
 #include "bridge/host_text.h"
 #include "bridge_fixture.h"
 
@@ -74,20 +75,28 @@ TEST_F(MemoryBlockTest, FailuresRaiseOutOfMemory) {
 TEST_F(MemoryBlockTest, ViewsLockTheirBlock) {
   REALobject block = zelhost::makeMemoryBlock("hello");
   {
-    const MemoryBlockView part(block, 1, 3);
+    MemoryBlockView view(block, 1, 3);
     EXPECT_EQ(zelhost::referenceCount(block), 2);
-    EXPECT_EQ(part.view(), "ell");
-    const MemoryBlockView whole(block);
+    EXPECT_EQ(view.view(), "ell");
+    openMemoryBlockView(view, block);  // reopening lets the first lock go
+    EXPECT_EQ(view.view(), "hello");
+    EXPECT_EQ(zelhost::referenceCount(block), 2);
+    const HostStringBytes bytes(block);
+    EXPECT_EQ(bytes.view(), "hello");
     EXPECT_EQ(zelhost::referenceCount(block), 3);
-    EXPECT_EQ(whole.view(), "hello");
   }
   EXPECT_EQ(zelhost::referenceCount(block), 1);
   zelhost::release(block);
 
-  EXPECT_TRUE(MemoryBlockView(nullptr, 0, 8).bytes().empty());
+  const MemoryBlockView nil(nullptr, 0, 8);
+  EXPECT_EQ(nil.data, nullptr);
+  EXPECT_EQ(nil.size, 0);
   REALobject empty = zelhost::makeMemoryBlockWithoutData(8);
-  EXPECT_TRUE(MemoryBlockView(empty).bytes().empty());
-  EXPECT_EQ(logCount("data is NULL, so size fixed to zero."), 1);
+  {
+    const MemoryBlockView withoutData(empty);
+    EXPECT_TRUE(withoutData.bytes().empty());
+  }
+  EXPECT_EQ(logCount("data is NULL, so size fixed to zero."), 2);
   zelhost::release(empty);
 }
 

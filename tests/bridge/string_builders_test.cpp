@@ -100,6 +100,7 @@ TEST_F(BuilderTest, NoDataGivesNil) {
   EXPECT_EQ(REALBuildUnicodeString(nullptr, 3, encoding::kUTF16), nullptr);
   EXPECT_EQ(CString2RB(nullptr, encoding::kUTF8), nullptr);
   EXPECT_EQ(CString2RB("", encoding::kUTF8), nullptr);
+  EXPECT_EQ(REALBuildUnicodeStringUTF16Terminated(u""), nullptr);
   EXPECT_TRUE(log().empty());
   // Only a 64-bit RBInteger can state a count the host's 32-bit count cannot take.
   if constexpr (sizeof(RBInteger) > sizeof(std::int32_t)) {
@@ -122,6 +123,12 @@ TEST_F(BuilderTest, CString2RBWarnsButBuilds) {
   zelhost::release(ascii);
   zelhost::release(wide);
   zelhost::release(wider);
+}
+
+TEST_F(BuilderTest, TerminatedUtf16Convenience) {
+  REALstring built = REALBuildUnicodeStringUTF16Terminated(u"H\u00E9\0ignored");
+  EXPECT_EQ(zelhost::stringBytes(built), "H\xC3\xA9");
+  zelhost::release(built);
 }
 
 TEST_F(BuilderTest, HostFailuresGiveNilWithoutLeaks) {
