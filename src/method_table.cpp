@@ -114,36 +114,39 @@ REALmethodDefinition gGlobalMethods[] = {
         "RemoveHTMLTagsZEL(AsciiTextWithTags as string) as string"),  // 55
     row<&adapters::RemoveHTMLTagsWithZEL>("RemoveHTMLTagsWithZEL(AsciiTextWithTags as string, "
                                           "Replacement as string) as string"),  // 56
-    row<&adapters::ConcatBinaryStringsZEL6>(
+    row<&adapters::ConcatBinaryStringsZEL_6Strings>(
         "ConcatBinaryStringsZEL(a as string, b as string, c as string, d as string, e as string, f "
         "as string) as string"),  // 57
-    row<&adapters::ConcatBinaryStringsZEL5>("ConcatBinaryStringsZEL(a as string, b as string, c as "
-                                            "string, d as string, e as string) as string"),  // 58
-    row<&adapters::ConcatBinaryStringsZEL4>("ConcatBinaryStringsZEL(a as string, b as string, c as "
-                                            "string, d as string) as string"),  // 59
-    row<&adapters::ConcatBinaryStringsZEL3>(
+    row<&adapters::ConcatBinaryStringsZEL_5Strings>(
+        "ConcatBinaryStringsZEL(a as string, b as string, c as "
+        "string, d as string, e as string) as string"),  // 58
+    row<&adapters::ConcatBinaryStringsZEL_4Strings>(
+        "ConcatBinaryStringsZEL(a as string, b as string, c as "
+        "string, d as string) as string"),  // 59
+    row<&adapters::ConcatBinaryStringsZEL_3Strings>(
         "ConcatBinaryStringsZEL(a as string, b as string, c as string) as string"),  // 60
-    row<&adapters::ConcatBinaryStringsZEL2>(
+    row<&adapters::ConcatBinaryStringsZEL_2Strings>(
         "ConcatBinaryStringsZEL(a as string, b as string) as string"),                      // 61
     row<&adapters::SQLReplaceBooleanZEL>("SQLReplaceBooleanZEL(SQL as string) as string"),  // 62
     row<&adapters::InStrBytesZEL>(
         "InStrBytesZEL(target as string, find as string) as integer"),  // 63
-    row<&adapters::InStrByteRangeZEL1>("InStrByteRangeZEL(target as string, StartValue as integer, "
-                                       "EndValue as integer) as integer"),  // 64
-    row<&adapters::InStrByteRangeZEL2>(
+    row<&adapters::InStrByteRangeZEL_1Range>(
+        "InStrByteRangeZEL(target as string, StartValue as integer, "
+        "EndValue as integer) as integer"),  // 64
+    row<&adapters::InStrByteRangeZEL_2Ranges>(
         "InStrByteRangeZEL(target as string, StartValue as integer, EndValue as integer, "
         "StartValue2 as integer, EndValue2 as integer) as integer"),  // 65
-    row<&adapters::InStrByteRangeZEL3>(
+    row<&adapters::InStrByteRangeZEL_3Ranges>(
         "InStrByteRangeZEL(target as string, StartValue as integer, EndValue as integer, "
         "StartValue2 as integer, EndValue2 as integer, StartValue3 as integer, EndValue3 as "
         "integer) as integer"),  // 66
-    row<&adapters::InStrByteRangeFindZEL1>(
+    row<&adapters::InStrByteRangeZEL_Find1Range>(
         "InStrByteRangeZEL(target as string, find as string, StartValue as integer, EndValue as "
         "integer) as integer"),  // 67
-    row<&adapters::InStrByteRangeFindZEL2>(
+    row<&adapters::InStrByteRangeZEL_Find2Ranges>(
         "InStrByteRangeZEL(target as string, find as string, StartValue as integer, EndValue as "
         "integer, StartValue2 as integer, EndValue2 as integer) as integer"),  // 68
-    row<&adapters::InStrByteRangeFindZEL3>(
+    row<&adapters::InStrByteRangeZEL_Find3Ranges>(
         "InStrByteRangeZEL(target as string, find as string, StartValue as integer, EndValue as "
         "integer, StartValue2 as integer, EndValue2 as integer, StartValue3 as integer, EndValue3 "
         "as integer) as integer"),  // 69
@@ -159,8 +162,8 @@ static_assert(std::size(gGlobalMethods) == 72);
 
 // Flag adjustment rewrites these flags in place at start-up too.
 REALmethodDefinition gStyledTextMethods[] = {
-    {reinterpret_cast<REALproc>(&adapters::RTFDataZELGetter),
-     reinterpret_cast<REALproc>(&adapters::RTFDataZELSetter),
+    {reinterpret_cast<REALproc>(&adapters::RTFDataZEL_Getter),
+     reinterpret_cast<REALproc>(&adapters::RTFDataZEL_Setter),
      "RTFDataZEL(SkipParagraphs as boolean = false) as string", flags::kConsoleWebDesktop, 0,
      nullptr},
 };

@@ -83,10 +83,10 @@ void memcpyYardstick(benchmark::State& state) {
 
 const bool registered = [] {
   const std::pair<const char*, ViewOpener> views[] = {
-      {"ascii", [](zel::HostText& t) -> const void* { return t.AsciiText(); }},
-      {"utf8", [](zel::HostText& t) -> const void* { return t.Utf8Text(); }},
-      {"utf16", [](zel::HostText& t) -> const void* { return t.Utf16Text(); }},
-      {"utf32", [](zel::HostText& t) -> const void* { return t.Utf32Text(); }},
+      {"ascii", [](zel::HostText& t) -> const void* { return t.ascii().data(); }},
+      {"utf8", [](zel::HostText& t) -> const void* { return t.utf8().data(); }},
+      {"utf16", [](zel::HostText& t) -> const void* { return t.utf16().data(); }},
+      {"utf32", [](zel::HostText& t) -> const void* { return t.utf32().data(); }},
   };
   for (const Argument& argument : arguments()) {
     for (const auto& [viewName, open] : views) {

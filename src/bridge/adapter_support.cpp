@@ -36,7 +36,7 @@ REALarray buildStringArray(std::span<const std::string> items, std::uint32_t enc
   return array;
 }
 
-REALobject buildMemoryBlock(std::span<const std::uint8_t> bytes) noexcept {
+REALobject buildMemoryBlock(std::string_view bytes) noexcept {
   return REALBuildMemoryblock(bytes.data(), static_cast<RBInteger>(bytes.size()));
 }
 

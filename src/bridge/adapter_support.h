@@ -60,22 +60,23 @@ REALstring shareString(REALstring argument) noexcept;
 REALarray buildStringArray(std::span<const std::string> items, std::uint32_t encoding) noexcept;
 
 // A MemoryBlock result; nil for no bytes, OutOfMemoryException when the block cannot be made.
-REALobject buildMemoryBlock(std::span<const std::uint8_t> bytes) noexcept;
+REALobject buildMemoryBlock(std::string_view bytes) noexcept;
 
 // Runs a kernel over the bytes of the string arguments, borrowed for the call (nil reads as no
 // bytes), and hands back its number or Boolean.
 template <class Kernel, class... Strings>
-auto readBytes(Kernel&& kernel, Strings... strings) noexcept {
-  return quietOnOutOfMemory([&] { return kernel(HostStringBytes(strings).view()...); });
+auto readBytes(OnFailure policy, Kernel&& kernel, Strings... strings) noexcept {
+  return guarded(policy, [&] { return kernel(HostStringBytes(strings).view()...); });
 }
 
 // The same for a kernel that makes bytes: they become a new host string in `resultEncoding`
 // (no bytes give nil).
 template <class Kernel, class... Strings>
-REALstring bytesToString(std::uint32_t resultEncoding, Kernel&& kernel,
+REALstring bytesToString(OnFailure policy, std::uint32_t resultEncoding, Kernel&& kernel,
                          Strings... strings) noexcept {
-  return quietOnOutOfMemory(
-      [&] { return buildString(kernel(HostStringBytes(strings).view()...), resultEncoding); });
+  return guarded(policy, [&] {
+    return buildString(kernel(HostStringBytes(strings).view()...), resultEncoding);
+  });
 }
 
 }  // namespace zel

@@ -1,6 +1,5 @@
 #include "bridge/host_string_bytes.h"
 
-#include "bridge/memory_block.h"
 #include "framework/debug_log.h"
 #include "framework/host_api.h"
 
@@ -28,13 +27,10 @@ HostStringBytes::HostStringBytes(REALstring s, std::uint32_t encoding) noexcept 
   fixNullData();
 }
 
-HostStringBytes::HostStringBytes(REALobject block) noexcept : object_(block) {
-  if (block == nullptr) return;
-  host::REALLockObject(block);
-  data_ = static_cast<const char*>(memoryBlockData(block));
-  const RBInteger size = memoryBlockSize(block);
-  size_ = size > 0 ? static_cast<std::size_t>(size) : 0;
-  fixNullData();
+HostStringBytes::HostStringBytes(REALobject block) noexcept {
+  openMemoryBlockView(block_, block);
+  data_ = reinterpret_cast<const char*>(block_.data);
+  size_ = block_.bytes().size();
 }
 
 void HostStringBytes::fixNullData() noexcept {
@@ -45,17 +41,32 @@ void HostStringBytes::fixNullData() noexcept {
 
 void HostStringBytes::close() noexcept {
   if (string_ != nullptr) host::REALUnlockString(string_);
-  if (object_ != nullptr) host::REALUnlockObject(object_);
+  block_.release();
   if (stringDataHeld_) {
     if (debugEnabled()) debugLogLabel("REALDisposeStringData");
     host::PluginDisposeStringData(&stringData_);
   }
   string_ = nullptr;
-  object_ = nullptr;
   stringData_ = {};
   stringDataHeld_ = false;
   data_ = nullptr;
   size_ = 0;
+}
+
+std::optional<std::span<std::uint8_t>> inlineStorage(REALstring s) noexcept {
+  RBInteger size = 0;
+  // The caller writes into the host's own storage: that is its purpose.
+  char* const data = const_cast<char*>(host::StringGetCString(s, &size));
+  const auto offset = static_cast<std::ptrdiff_t>(reinterpret_cast<std::uintptr_t>(data) -
+                                                  reinterpret_cast<std::uintptr_t>(s));
+  if (debugEnabled()) {
+    debugLogInt64("mPrivateStringDelta1", offset);
+    debugLogInt64("mySize", size);
+    debugLogPointer("myData", data);
+  }
+  if (offset != kInlineStringDataOffset) return std::nullopt;
+  const std::size_t count = data == nullptr || size < 0 ? 0 : static_cast<std::size_t>(size);
+  return std::span(reinterpret_cast<std::uint8_t*>(data), count);
 }
 
 }  // namespace zel

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
+#include "bridge/memory_block.h"
 #include "sdk/host_types.h"
 
 namespace zel {
@@ -17,7 +19,7 @@ class HostStringBytes {
   explicit HostStringBytes(REALstring s) noexcept;
   // The text converted by the host into `encoding`; empty when the host cannot convert.
   HostStringBytes(REALstring s, std::uint32_t encoding) noexcept;
-  // A MemoryBlock's data and size.
+  // A MemoryBlock's data and size, read through its view.
   explicit HostStringBytes(REALobject block) noexcept;
   ~HostStringBytes() { close(); }
   HostStringBytes(const HostStringBytes&) = delete;
@@ -36,11 +38,15 @@ class HostStringBytes {
   void fixNullData() noexcept;
 
   REALstring string_ = nullptr;
-  REALobject object_ = nullptr;
+  MemoryBlockView block_;
   REALstringData stringData_{};
   bool stringDataHeld_ = false;
   const char* data_ = nullptr;
   std::size_t size_ = 0;
 };
+
+// The bytes a host string stores inside its own object, writable: a wipe may only go there.
+// Nothing when they lie elsewhere.
+std::optional<std::span<std::uint8_t>> inlineStorage(REALstring s) noexcept;
 
 }  // namespace zel

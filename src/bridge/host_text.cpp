@@ -43,7 +43,7 @@ void swapUnits(const std::uint8_t* from, std::uint8_t* to, std::size_t count,
 void debugLogString(const char* label, REALstring s) noexcept {
   if (!debugEnabled()) return;
   HostText text(s);
-  debugLog("%s%s %p: %s", kDebugPrefix, label, static_cast<const void*>(s), text.Utf8Text());
+  debugLog("%s%s %p: %s", kDebugPrefix, label, static_cast<const void*>(s), text.utf8().data());
 }
 
 HostText::HostText(REALstring source) noexcept {
@@ -227,8 +227,9 @@ void HostText::widen(ViewKind kind) noexcept {
 }
 
 void HostText::decodeUtf8View(ViewKind kind) noexcept {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(Utf8Text());
-  const auto count = static_cast<std::size_t>(Utf8Length());
+  const std::string_view text = utf8();
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+  const std::size_t count = text.size();
   const std::size_t blockBytes = kind == kUtf16 ? (count + 8) * 2 : (count + 4) * 4;
   void* block = allocate(kind, blockBytes);
   if (block == nullptr) return;

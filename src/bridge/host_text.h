@@ -32,6 +32,7 @@ class HostText {
   HostText(const HostText&) = delete;
   HostText& operator=(const HostText&) = delete;
 
+  // Each view is followed by a zero unit, so its pointer can go where a terminated text is wanted.
   const char* AsciiText() noexcept { return static_cast<const char*>(view(kAscii)); }
   const char* Utf8Text() noexcept { return static_cast<const char*>(view(kUtf8)); }
   // Null instead of the empty text.
@@ -43,6 +44,7 @@ class HostText {
   RBInteger Utf16Length() noexcept { return length(kUtf16); }
   RBInteger Utf32Length() noexcept { return length(kUtf32); }
 
+  // The same views, counted: what the kernels take.
   std::string_view ascii() noexcept { return {AsciiText(), size(kAscii)}; }
   std::string_view utf8() noexcept { return {Utf8Text(), size(kUtf8)}; }
   std::u16string_view utf16() noexcept { return {Utf16Text(), size(kUtf16)}; }

@@ -96,6 +96,10 @@ REALobject REALBuildMemoryblock(const void* bytes, RBInteger length) noexcept {
   return nullptr;
 }
 
+MemoryBlockView::MemoryBlockView(REALobject source, RBInteger offset, RBInteger length) noexcept {
+  openMemoryBlockView(*this, source, offset, length);
+}
+
 void MemoryBlockView::release() noexcept {
   if (block != nullptr) host::REALUnlockObject(block);
   block = nullptr;

@@ -1,8 +1,10 @@
 // Access to the host's MemoryBlock: data pointer and size, new blocks, and a view for arguments.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "sdk/host_types.h"
 
@@ -19,13 +21,16 @@ REALobject newMemoryBlock(RBInteger size) noexcept;
 // the block cannot be made.
 REALobject REALBuildMemoryblock(const void* bytes, RBInteger length) noexcept;
 
-// A MemoryBlock argument, locked while the view lives.
+// A MemoryBlock argument, locked while the view lives. Nil or a block without data gives no
+// bytes.
 struct MemoryBlockView {
   REALobject block = nullptr;
   const std::uint8_t* data = nullptr;
   RBInteger size = 0;
 
   MemoryBlockView() noexcept = default;
+  // Opened at once, as openMemoryBlockView does.
+  explicit MemoryBlockView(REALobject source, RBInteger offset = 0, RBInteger length = 0) noexcept;
   ~MemoryBlockView() { release(); }
   MemoryBlockView(const MemoryBlockView&) = delete;
   MemoryBlockView& operator=(const MemoryBlockView&) = delete;
@@ -33,10 +38,14 @@ struct MemoryBlockView {
   std::span<const std::uint8_t> bytes() const noexcept {
     return {data, data == nullptr || size <= 0 ? 0 : static_cast<std::size_t>(size)};
   }
+  std::string_view view() const noexcept {
+    return {reinterpret_cast<const char*>(data), bytes().size()};
+  }
   void release() noexcept;
 };
 
-// `size` 0 takes the block's own size. The offset is the caller's to check.
+// Points the view at `block`, letting go of the block it held. `size` 0 takes the block's own
+// size. The offset is the caller's to check.
 void openMemoryBlockView(MemoryBlockView& view, REALobject block, RBInteger offset = 0,
                          RBInteger size = 0) noexcept;
 

@@ -61,7 +61,7 @@ REALstring CString2RB(const char* text, std::uint32_t encoding) noexcept {
 
 REALstring REALBuildUnicodeString(const void* data, RBInteger byteCount,
                                   std::uint32_t encoding) noexcept {
-  return guarded([&]() -> REALstring {
+  return guarded(OnFailure::raise, [&]() -> REALstring {
     if (data == nullptr || byteCount <= 0) return nullptr;
     if (std::int64_t{byteCount} >= kMaxBuildCount) {
       if (debugEnabled()) debugLogLabel("Count too big for REALBuildUnicodeString.");

@@ -6,6 +6,7 @@
 #include <limits>
 #include <new>
 
+#include "base/out_of_memory_error.h"
 #include "text/utf8.h"
 
 namespace zel::strings {
@@ -179,14 +180,18 @@ int compareBytesZeroPadded(std::string_view a, std::string_view b) {
 
 std::string repeatToLength(std::int64_t length, std::string_view content) {
   if (length < 1) return {};
-  const std::size_t size = checkedSize(length);
-  if (content.empty()) return std::string(size, '\0');
-  std::string out;
-  out.reserve(size);
-  out += content.substr(0, size);
-  // Every append starts at a whole number of copies, so the string stays periodic.
-  while (out.size() < size) out.append(out, 0, std::min(out.size(), size - out.size()));
-  return out;
+  try {
+    const std::size_t size = checkedSize(length);
+    if (content.empty()) return std::string(size, '\0');
+    std::string out;
+    out.reserve(size);
+    out += content.substr(0, size);
+    // Every append starts at a whole number of copies, so the string stays periodic.
+    while (out.size() < size) out.append(out, 0, std::min(out.size(), size - out.size()));
+    return out;
+  } catch (const std::bad_alloc&) {
+    throw OutOfMemoryError("Failed to allocate memory.");
+  }
 }
 
 void wipeBytes(std::span<std::uint8_t> bytes) {

@@ -49,7 +49,7 @@ std::int64_t positionOfSignedByteInRangesOrSet(std::string_view target, std::str
 int compareBytesZeroPadded(std::string_view a, std::string_view b);
 
 // Whole copies of content (or zero bytes when content is empty) cut to length; empty for
-// length < 1. Throws std::bad_alloc when the memory cannot be had.
+// length < 1. Throws OutOfMemoryError("Failed to allocate memory.") when the memory cannot be had.
 std::string repeatToLength(std::int64_t length, std::string_view content);
 
 // Zeroes bytes, even when nobody reads them afterwards.

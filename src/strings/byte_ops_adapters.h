@@ -12,27 +12,29 @@ REALstring StringORZEL(REALstring a, REALstring b) noexcept;
 REALstring StringXORZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept;
 REALstring StringXOR2ZEL(REALstring data, REALstring xorMask, RBInteger maskOffset) noexcept;
 
-REALstring ConcatBinaryStringsZEL6(REALstring a, REALstring b, REALstring c, REALstring d,
-                                   REALstring e, REALstring f) noexcept;
-REALstring ConcatBinaryStringsZEL5(REALstring a, REALstring b, REALstring c, REALstring d,
-                                   REALstring e) noexcept;
-REALstring ConcatBinaryStringsZEL4(REALstring a, REALstring b, REALstring c, REALstring d) noexcept;
-REALstring ConcatBinaryStringsZEL3(REALstring a, REALstring b, REALstring c) noexcept;
-REALstring ConcatBinaryStringsZEL2(REALstring a, REALstring b) noexcept;
+REALstring ConcatBinaryStringsZEL_6Strings(REALstring a, REALstring b, REALstring c, REALstring d,
+                                           REALstring e, REALstring f) noexcept;
+REALstring ConcatBinaryStringsZEL_5Strings(REALstring a, REALstring b, REALstring c, REALstring d,
+                                           REALstring e) noexcept;
+REALstring ConcatBinaryStringsZEL_4Strings(REALstring a, REALstring b, REALstring c,
+                                           REALstring d) noexcept;
+REALstring ConcatBinaryStringsZEL_3Strings(REALstring a, REALstring b, REALstring c) noexcept;
+REALstring ConcatBinaryStringsZEL_2Strings(REALstring a, REALstring b) noexcept;
 
 RBInteger InStrBytesZEL(REALstring target, REALstring find) noexcept;
-RBInteger InStrByteRangeZEL1(REALstring target, RBInteger start, RBInteger end) noexcept;
-RBInteger InStrByteRangeZEL2(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
-                             RBInteger end2) noexcept;
-RBInteger InStrByteRangeZEL3(REALstring target, RBInteger start, RBInteger end, RBInteger start2,
-                             RBInteger end2, RBInteger start3, RBInteger end3) noexcept;
-RBInteger InStrByteRangeFindZEL1(REALstring target, REALstring find, RBInteger start,
-                                 RBInteger end) noexcept;
-RBInteger InStrByteRangeFindZEL2(REALstring target, REALstring find, RBInteger start, RBInteger end,
-                                 RBInteger start2, RBInteger end2) noexcept;
-RBInteger InStrByteRangeFindZEL3(REALstring target, REALstring find, RBInteger start, RBInteger end,
-                                 RBInteger start2, RBInteger end2, RBInteger start3,
-                                 RBInteger end3) noexcept;
+RBInteger InStrByteRangeZEL_1Range(REALstring target, RBInteger start, RBInteger end) noexcept;
+RBInteger InStrByteRangeZEL_2Ranges(REALstring target, RBInteger start, RBInteger end,
+                                    RBInteger start2, RBInteger end2) noexcept;
+RBInteger InStrByteRangeZEL_3Ranges(REALstring target, RBInteger start, RBInteger end,
+                                    RBInteger start2, RBInteger end2, RBInteger start3,
+                                    RBInteger end3) noexcept;
+RBInteger InStrByteRangeZEL_Find1Range(REALstring target, REALstring find, RBInteger start,
+                                       RBInteger end) noexcept;
+RBInteger InStrByteRangeZEL_Find2Ranges(REALstring target, REALstring find, RBInteger start,
+                                        RBInteger end, RBInteger start2, RBInteger end2) noexcept;
+RBInteger InStrByteRangeZEL_Find3Ranges(REALstring target, REALstring find, RBInteger start,
+                                        RBInteger end, RBInteger start2, RBInteger end2,
+                                        RBInteger start3, RBInteger end3) noexcept;
 RBInteger StrCompBytesZEL(REALstring a, REALstring b) noexcept;
 
 REALstring CreateStringZEL(RBInteger length, REALstring content) noexcept;

@@ -12,9 +12,9 @@
 namespace zel::adapters {
 namespace {
 
-REALstring decodedEntities(REALstring s) noexcept {
+REALstring decodedEntities(OnFailure policy, REALstring s) noexcept {
   if (s == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(policy, [&] {
     HostText text(s);
     return buildString(std::u32string_view(strings::decodeEntities(text.utf32())));
   });
@@ -27,9 +27,9 @@ constexpr bool hasAsciiBytes(std::uint32_t stringEncoding) {
          stringEncoding == kWindowsLatin1 || stringEncoding == kUTF8;
 }
 
-RBBoolean markupReady(REALstring s) noexcept {
+RBBoolean markupReady(OnFailure policy, REALstring s) noexcept {
   if (s == nullptr) return true;
-  return guarded([&]() -> RBBoolean {
+  return guarded(policy, [&]() -> RBBoolean {
     if (!hasAsciiBytes(host::REALGetStringEncoding(s))) return false;
     const HostStringBytes bytes(s);
     return strings::isMarkupReady(bytes.view());
@@ -41,7 +41,7 @@ RBBoolean markupReady(REALstring s) noexcept {
 // The encoders hand back the caller's own string when nothing needs escaping.
 REALstring EncodingToHTMLZEL(REALstring s, RBInteger options) noexcept {
   if (s == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(OnFailure::raise, [&] {
     HostText text(s);
     const auto encoded = strings::encodeHtmlEntities(text.utf32(), options);
     return encoded ? buildString(*encoded, encoding::kASCII) : shareString(s);
@@ -50,7 +50,7 @@ REALstring EncodingToHTMLZEL(REALstring s, RBInteger options) noexcept {
 
 REALstring EncodingToXMLZEL(REALstring s, RBInteger options) noexcept {
   if (s == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(OnFailure::raise, [&] {
     HostText text(s);
     const auto encoded = strings::encodeXmlEntities(text.utf32(), options);
     return encoded ? buildString(std::u32string_view(*encoded)) : shareString(s);
@@ -58,19 +58,19 @@ REALstring EncodingToXMLZEL(REALstring s, RBInteger options) noexcept {
 }
 
 REALstring DecodingFromHTMLZEL(REALstring s) noexcept {
-  return decodedEntities(s);
+  return decodedEntities(OnFailure::raise, s);
 }
 
 REALstring DecodingFromXMLZEL(REALstring s) noexcept {
-  return decodedEntities(s);
+  return decodedEntities(OnFailure::raise, s);
 }
 
 RBBoolean StringIsHTMLreadyZEL(REALstring s) noexcept {
-  return markupReady(s);
+  return markupReady(OnFailure::raise, s);
 }
 
 RBBoolean StringIsXMLreadyZEL(REALstring s) noexcept {
-  return markupReady(s);
+  return markupReady(OnFailure::raise, s);
 }
 
 }  // namespace zel::adapters

@@ -13,7 +13,7 @@ REALstring RemoveHTMLTagsZEL(REALstring text) noexcept {
 
 REALstring RemoveHTMLTagsWithZEL(REALstring text, REALstring replacement) noexcept {
   if (text == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(OnFailure::raise, [&] {
     HostText source(text), filler(replacement);
     return buildString(strings::removeHtmlTags(source.utf8(), filler.utf8()), encoding::kUTF8);
   });
@@ -21,7 +21,7 @@ REALstring RemoveHTMLTagsWithZEL(REALstring text, REALstring replacement) noexce
 
 REALstring SQLReplaceBooleanZEL(REALstring sql) noexcept {
   if (sql == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(OnFailure::raise, [&] {
     HostText source(sql);
     return buildString(strings::replaceSqlBooleans(source.utf8()), encoding::kUTF8);
   });

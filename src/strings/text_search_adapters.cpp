@@ -2,8 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <exception>
-#include <new>
 #include <string>
 #include <string_view>
 
@@ -20,9 +18,9 @@ namespace {
 
 // Nil on either side never matches.
 template <bool (*Test)(std::string_view, std::string_view)>
-RBBoolean testUtf8Pair(REALstring text, REALstring other) noexcept {
+RBBoolean testUtf8Pair(OnFailure policy, REALstring text, REALstring other) noexcept {
   if (text == nullptr || other == nullptr) return false;
-  return guarded([&]() -> RBBoolean {
+  return guarded(policy, [&]() -> RBBoolean {
     HostText first(text), second(other);
     return Test(first.utf8(), second.utf8());
   });
@@ -56,16 +54,16 @@ REALstring replaceLineEndingsIn(REALstring text, REALstring newLine, bool yield)
 }  // namespace
 
 RBBoolean HasPrefixZEL(REALstring text, REALstring prefix) noexcept {
-  return testUtf8Pair<&strings::hasPrefix>(text, prefix);
+  return testUtf8Pair<&strings::hasPrefix>(OnFailure::raise, text, prefix);
 }
 
 RBBoolean HasPostfixZEL(REALstring text, REALstring prefix) noexcept {
-  return testUtf8Pair<&strings::hasPostfix>(text, prefix);
+  return testUtf8Pair<&strings::hasPostfix>(OnFailure::raise, text, prefix);
 }
 
 RBBoolean ContainsWholeWordZEL(REALstring text, REALstring word) noexcept {
   if (text == nullptr || word == nullptr) return false;
-  return guarded([&]() -> RBBoolean {
+  return guarded(OnFailure::raise, [&]() -> RBBoolean {
     HostText haystack(text), needle(word);
     const std::string_view bytes = haystack.utf8(), wanted = needle.utf8();
     strings::OccurrenceObserver observe;
@@ -78,7 +76,7 @@ RBBoolean ContainsWholeWordZEL(REALstring text, REALstring word) noexcept {
 
 RBInteger CountOccurancesZEL(REALstring s, REALstring find) noexcept {
   if (s == nullptr || find == nullptr) return 0;
-  return guarded([&]() -> RBInteger {
+  return guarded(OnFailure::raise, [&]() -> RBInteger {
     const HostStringBytes text(s), pattern(find);
     if (text.size() == 0) return 0;
     const std::int64_t count = strings::countOccurrences(text.view(), pattern.view());
@@ -90,7 +88,7 @@ RBInteger CountOccurancesZEL(REALstring s, REALstring find) noexcept {
 // Same encoding: the stored bytes, and a side without data sorts first. Different encodings:
 // both as UTF-8.
 RBInteger StrCompCharactersZEL(REALstring a, REALstring b) noexcept {
-  return guarded([&]() -> RBInteger {
+  return guarded(OnFailure::raise, [&]() -> RBInteger {
     if (host::REALGetStringEncoding(a) == host::REALGetStringEncoding(b)) {
       const HostStringBytes first(a), second(b);
       if (first.data() == nullptr || second.data() == nullptr) return -1;
@@ -104,16 +102,8 @@ RBInteger StrCompCharactersZEL(REALstring a, REALstring b) noexcept {
 // Failures keep their own message rather than the generic translation.
 REALstring ReplaceLineEndingsZEL(REALstring text, REALstring newLine, RBBoolean yield) noexcept {
   if (text == nullptr) return nullptr;
-  return guarded([&]() -> REALstring {
-    try {
-      return replaceLineEndingsIn(text, newLine, yield != 0);
-    } catch (const std::bad_alloc& failure) {
-      RaiseHostException("OutOfMemoryException", failure.what());
-    } catch (const std::exception& failure) {
-      RaiseHostException("RuntimeException", failure.what());
-    }
-    return nullptr;
-  });
+  return guarded(OnFailure::raiseOwnMessage,
+                 [&] { return replaceLineEndingsIn(text, newLine, yield != 0); });
 }
 
 }  // namespace zel::adapters

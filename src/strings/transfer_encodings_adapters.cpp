@@ -9,12 +9,12 @@
 namespace zel::adapters {
 
 REALstring EncodingToHexZEL(REALstring s) noexcept {
-  return bytesToString(encoding::kASCII, &strings::encodeHex, s);
+  return bytesToString(OnFailure::emptyIfOutOfMemory, encoding::kASCII, &strings::encodeHex, s);
 }
 
 REALstring DecodingFromHexZEL(REALstring s) noexcept {
   if (s == nullptr) return nullptr;
-  return quietOnOutOfMemory([&] {
+  return guarded(OnFailure::emptyIfOutOfMemory, [&] {
     HostText text(s);
     return buildString(strings::decodeHex(text.ascii()), encoding::kNone);
   });
@@ -26,8 +26,8 @@ REALstring EncodingToURLZEL(REALstring s) noexcept {
 
 REALstring EncodingToURLZEL_Options(REALstring s, RBInteger options) noexcept {
   return bytesToString(
-      encoding::kASCII, [&](std::string_view bytes) { return strings::encodeUrl(bytes, options); },
-      s);
+      OnFailure::emptyIfOutOfMemory, encoding::kASCII,
+      [&](std::string_view bytes) { return strings::encodeUrl(bytes, options); }, s);
 }
 
 REALstring DecodingFromURLZEL(REALstring s) noexcept {
@@ -36,23 +36,24 @@ REALstring DecodingFromURLZEL(REALstring s) noexcept {
 
 REALstring DecodingFromURLZEL_Options(REALstring s, RBInteger options) noexcept {
   return bytesToString(
-      encoding::kNone, [&](std::string_view bytes) { return strings::decodeUrl(bytes, options); },
-      s);
+      OnFailure::emptyIfOutOfMemory, encoding::kNone,
+      [&](std::string_view bytes) { return strings::decodeUrl(bytes, options); }, s);
 }
 
 REALstring EncodingToQuotedPrintableZEL(REALstring s, RBInteger lineLength) noexcept {
   return bytesToString(
-      encoding::kASCII,
+      OnFailure::emptyIfOutOfMemory, encoding::kASCII,
       [&](std::string_view bytes) { return strings::encodeQuotedPrintable(bytes, lineLength); }, s);
 }
 
 REALstring DecodingFromQuotedPrintableZEL(REALstring s) noexcept {
-  return bytesToString(encoding::kASCII, &strings::decodeQuotedPrintable, s);
+  return bytesToString(OnFailure::emptyIfOutOfMemory, encoding::kASCII,
+                       &strings::decodeQuotedPrintable, s);
 }
 
 REALstring EncodeEmailSubjectZEL(REALstring s) noexcept {
   if (s == nullptr) return nullptr;
-  return quietOnOutOfMemory([&] {
+  return guarded(OnFailure::emptyIfOutOfMemory, [&] {
     HostText text(s);
     const auto encoded = strings::encodeEmailSubject(text.utf8());
     return encoded ? buildString(*encoded, encoding::kASCII) : shareString(s);

@@ -18,23 +18,23 @@
 namespace zel::adapters {
 namespace {
 
-REALstring decodeBytes(REALstring s, strings::CodePage page) noexcept {
-  return quietOnOutOfMemory([&] {
+REALstring decodeBytes(OnFailure policy, REALstring s, strings::CodePage page) noexcept {
+  return guarded(policy, [&] {
     const HostStringBytes bytes(s);
     return buildString(strings::decodeCodePage(bytes.bytes(), page));
   });
 }
 
-REALstring encodeText(REALstring s, strings::CodePage page) noexcept {
-  return quietOnOutOfMemory([&] {
+REALstring encodeText(OnFailure policy, REALstring s, strings::CodePage page) noexcept {
+  return guarded(policy, [&] {
     HostText text(s);
     return buildString(strings::encodeCodePage(text.utf16(), page), encoding::kNone);
   });
 }
 
 template <auto Distance>
-double distanceBetween(REALstring a, REALstring b) noexcept {
-  return guarded([&] {
+double distanceBetween(OnFailure policy, REALstring a, REALstring b) noexcept {
+  return guarded(policy, [&] {
     HostText first(a), second(b);
     return Distance(first.utf16(), second.utf16());
   });
@@ -51,10 +51,10 @@ class DebugLogTrace final : public strings::UnicodeTrace {
 using UnicodeConversion = std::u16string (*)(std::u16string_view, strings::UnicodeTrace*);
 
 // Composition and decomposition share their shape; only composition reports the table size.
-REALstring convertUnicode(REALstring text, const char* name, UnicodeConversion convert,
-                          bool reportsTableSize) noexcept {
+REALstring convertUnicode(OnFailure policy, REALstring text, const char* name,
+                          UnicodeConversion convert, bool reportsTableSize) noexcept {
   if (text == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(policy, [&] {
     const bool tracing = debugEnabled();
     if (tracing) debugLogLabel(name);
     if (tracing && reportsTableSize) {
@@ -72,51 +72,53 @@ REALstring convertUnicode(REALstring text, const char* name, UnicodeConversion c
 }  // namespace
 
 REALstring EncodingToISO8859ZEL(REALstring s) noexcept {
-  return encodeText(s, strings::CodePage::Iso8859_1);
+  return encodeText(OnFailure::emptyIfOutOfMemory, s, strings::CodePage::Iso8859_1);
 }
 
 REALstring DecodingFromISO8859ZEL(REALstring s) noexcept {
-  return decodeBytes(s, strings::CodePage::Iso8859_1);
+  return decodeBytes(OnFailure::emptyIfOutOfMemory, s, strings::CodePage::Iso8859_1);
 }
 
 REALstring EncodingToCP1252ZEL(REALstring s) noexcept {
-  return encodeText(s, strings::CodePage::Windows1252);
+  return encodeText(OnFailure::emptyIfOutOfMemory, s, strings::CodePage::Windows1252);
 }
 
 REALstring DecodingFromCP1252ZEL(REALstring s) noexcept {
-  return decodeBytes(s, strings::CodePage::Windows1252);
+  return decodeBytes(OnFailure::emptyIfOutOfMemory, s, strings::CodePage::Windows1252);
 }
 
 REALstring StrZEL(double d) noexcept {
-  return guarded([&] { return buildString(strings::formatTrimmedFixed(d), encoding::kASCII); });
+  return guarded(OnFailure::raise,
+                 [&] { return buildString(strings::formatTrimmedFixed(d), encoding::kASCII); });
 }
 
 REALstring ScientificStrZEL(double d, RBInteger digits) noexcept {
-  return guarded(
-      [&] { return buildString(strings::formatScientific(d, digits), encoding::kASCII); });
+  return guarded(OnFailure::raise, [&] {
+    return buildString(strings::formatScientific(d, digits), encoding::kASCII);
+  });
 }
 
 double LevenshteinDistanceZEL(REALstring a, REALstring b) noexcept {
-  return distanceBetween<&strings::levenshteinDistance>(a, b);
+  return distanceBetween<&strings::levenshteinDistance>(OnFailure::raise, a, b);
 }
 
 double JaroWinklerDistanceZEL(REALstring a, REALstring b) noexcept {
-  return distanceBetween<&strings::jaroWinklerDistance>(a, b);
+  return distanceBetween<&strings::jaroWinklerDistance>(OnFailure::raise, a, b);
 }
 
 REALstring ConvertUnicodeToCharacterCompositionZEL(REALstring text) noexcept {
-  return convertUnicode(text, "ConvertUnicodeToCharacterCompositionZEL",
+  return convertUnicode(OnFailure::raise, text, "ConvertUnicodeToCharacterCompositionZEL",
                         &strings::composeCharacters, true);
 }
 
 REALstring ConvertUnicodeToCharacterDecompositionZEL(REALstring text) noexcept {
-  return convertUnicode(text, "ConvertUnicodeToCharacterDecompositionZEL",
+  return convertUnicode(OnFailure::raise, text, "ConvertUnicodeToCharacterDecompositionZEL",
                         &strings::decomposeCharacters, false);
 }
 
 REALstring RemoveAccentsZEL(REALstring text, RBBoolean ignoreCase) noexcept {
   if (text == nullptr) return nullptr;
-  return guarded([&] {
+  return guarded(OnFailure::raise, [&] {
     HostText source(text);
     return buildString(
         strings::removeAccents(source.utf16(), ignoreCase != 0, strings::builtAccentMap()));

@@ -9,6 +9,7 @@
 
 #include "bridge/adapter_support.h"
 #include "bridge/host_text.h"
+#include "bridge/memory_block.h"
 #include "framework/exceptions.h"
 #include "strings/utf8_repair.h"
 
@@ -36,47 +37,44 @@ REALstring repairedText(std::span<const std::uint8_t> data, REALstring placehold
   return buildString(strings::repairUtf8(data, filler.utf8()), encoding::kUTF8);
 }
 
-// The MemoryBlock and String forms read their argument's bytes the same way.
-template <class Source>
-REALarray readableStringArrayOf(Source source, RBInteger minLength) noexcept {
-  return guarded([&] {
-    const HostStringBytes bytes(source);
+}  // namespace
+
+REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLength) noexcept {
+  return guarded(OnFailure::raise,
+                 [&] { return readableStringArray(pointedBytes(data, size), minLength); });
+}
+
+REALarray GetStringsFromDataZEL_MemoryBlock(REALobject data, RBInteger minLength) noexcept {
+  return guarded(OnFailure::raise, [&] {
+    const MemoryBlockView block(data);
+    return readableStringArray(block.bytes(), minLength);
+  });
+}
+
+REALarray GetStringsFromDataZEL_String(REALstring data, RBInteger minLength) noexcept {
+  return guarded(OnFailure::raise, [&] {
+    const HostStringBytes bytes(data);
     return readableStringArray(bytes.bytes(), minLength);
   });
 }
 
-template <class Source>
-REALstring repairedTextOf(Source source, REALstring placeholder) noexcept {
-  return guarded([&] {
-    const HostStringBytes bytes(source);
-    return repairedText(bytes.bytes(), placeholder);
-  });
-}
-
-}  // namespace
-
-REALarray GetStringsFromDataZEL_Ptr(void* data, RBInteger size, RBInteger minLength) noexcept {
-  return guarded([&] { return readableStringArray(pointedBytes(data, size), minLength); });
-}
-
-REALarray GetStringsFromDataZEL_MemoryBlock(REALobject data, RBInteger minLength) noexcept {
-  return readableStringArrayOf(data, minLength);
-}
-
-REALarray GetStringsFromDataZEL_String(REALstring data, RBInteger minLength) noexcept {
-  return readableStringArrayOf(data, minLength);
-}
-
 REALstring CheckUTF8ZEL_Ptr(void* data, RBInteger size, REALstring placeholder) noexcept {
-  return guarded([&] { return repairedText(pointedBytes(data, size), placeholder); });
+  return guarded(OnFailure::raise,
+                 [&] { return repairedText(pointedBytes(data, size), placeholder); });
 }
 
 REALstring CheckUTF8ZEL_MemoryBlock(REALobject mem, REALstring placeholder) noexcept {
-  return repairedTextOf(mem, placeholder);
+  return guarded(OnFailure::raise, [&] {
+    const MemoryBlockView block(mem);
+    return repairedText(block.bytes(), placeholder);
+  });
 }
 
 REALstring CheckUTF8ZEL_String(REALstring data, REALstring placeholder) noexcept {
-  return repairedTextOf(data, placeholder);
+  return guarded(OnFailure::raise, [&] {
+    const HostStringBytes bytes(data);
+    return repairedText(bytes.bytes(), placeholder);
+  });
 }
 
 }  // namespace zel::adapters

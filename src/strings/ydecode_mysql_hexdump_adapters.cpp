@@ -1,8 +1,5 @@
 #include "strings/ydecode_mysql_hexdump_adapters.h"
 
-#include <cstdint>
-#include <span>
-#include <string>
 #include <string_view>
 
 #include "bridge/adapter_support.h"
@@ -12,30 +9,26 @@
 namespace zel::adapters {
 
 REALobject yDecodeMemoryZEL(REALobject data) noexcept {
-  return quietOnOutOfMemory([&] {
-    MemoryBlockView block;
-    openMemoryBlockView(block, data);
-    const std::span<const std::uint8_t> body = block.bytes();
-    const std::string decoded =
-        strings::yDecode({reinterpret_cast<const char*>(body.data()), body.size()});
-    return buildMemoryBlock(
-        {reinterpret_cast<const std::uint8_t*>(decoded.data()), decoded.size()});
+  return guarded(OnFailure::emptyIfOutOfMemory, [&] {
+    const MemoryBlockView block(data);
+    return buildMemoryBlock(strings::yDecode(block.view()));
   });
 }
 
 REALstring yDecodeStringZEL(REALstring data) noexcept {
-  return bytesToString(encoding::kNone, &strings::yDecode, data);
+  return bytesToString(OnFailure::emptyIfOutOfMemory, encoding::kNone, &strings::yDecode, data);
 }
 
 REALstring DecodingFromMySQLZEL(REALstring s) noexcept {
-  return bytesToString(encoding::kNone, &strings::decodeMySqlEscapes, s);
+  return bytesToString(OnFailure::emptyIfOutOfMemory, encoding::kNone, &strings::decodeMySqlEscapes,
+                       s);
 }
 
 REALstring HexstringZEL(REALstring input, RBInteger hexLength, RBInteger lineLength,
                         REALstring lineStart, REALstring lineEnd, REALstring spacer,
                         REALstring filler) noexcept {
   return bytesToString(
-      encoding::kASCII,
+      OnFailure::emptyIfOutOfMemory, encoding::kASCII,
       [&](std::string_view bytes, std::string_view start, std::string_view end,
           std::string_view between, std::string_view fill) {
         return strings::hexDump(bytes, {hexLength, lineLength, start, end, between, fill});

@@ -6,8 +6,8 @@
 
 namespace zel::adapters {
 
-REALstring RTFDataZELGetter(REALobject styledText, RBBoolean skipParagraphs) noexcept;
+REALstring RTFDataZEL_Getter(REALobject styledText, RBBoolean skipParagraphs) noexcept;
 // SkipParagraphs plays no part when reading RTF.
-void RTFDataZELSetter(REALobject styledText, RBBoolean skipParagraphs, REALstring rtf) noexcept;
+void RTFDataZEL_Setter(REALobject styledText, RBBoolean skipParagraphs, REALstring rtf) noexcept;
 
 }  // namespace zel::adapters

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
+#include <cstring>
+#include <optional>
 #include <utility>
 
 #include "bridge/adapter_support.h"
@@ -263,7 +266,7 @@ void StyleRunSetFontName(REALobject run, REALstring name) noexcept {
   }
   if (debugEnabled()) {
     debugLogString("StyleRunSetFontName", name);
-    debugLogInt64("LengthUTF8", HostText(name).Utf8Length());
+    debugLogInt64("LengthUTF8", static_cast<std::int64_t>(HostText(name).utf8().size()));
   }
   if (setFontProperty(run, "Font", name, "Failed to query Font property!")) return;
   debugLogLabel("Failed to set Font property, trying FontName.");
@@ -373,6 +376,60 @@ void StyledTextClear(REALobject styledText) noexcept {
     }
     remove(styledText, index);
   }
+}
+
+namespace {
+
+// The reader decides about alignment itself, through setParagraphAlignment.
+constexpr RBInteger kKeepAlignment = -1;
+
+REALobject newRunStyled(const RunStyle& style) noexcept {
+  REALobject run = NewStyleRun();
+  StyleRunSetBold(run, style.bold);
+  StyleRunSetItalic(run, style.italic);
+  StyleRunSetUnderline(run, style.underline);
+  StyleRunSetSize(run, style.size);
+  StyleRunSetTextColor(run, style.textColor);
+  const OwnedString font(buildString(style.fontName, encoding::kUTF8));
+  StyleRunSetFontName(run, font.get());
+  return run;
+}
+
+}  // namespace
+
+HostStyledTextSink::HostStyledTextSink(REALobject styledText) : styledText_(styledText) {
+  text_.reserve(kPendingTextReserve);
+}
+
+void HostStyledTextSink::clear() {
+  StyledTextClear(styledText_);
+  paragraphCount_.reset();
+}
+
+std::int64_t HostStyledTextSink::paragraphCount() {
+  if (!paragraphCount_) paragraphCount_ = ParagraphCount(styledText_);
+  return *paragraphCount_;
+}
+
+void HostStyledTextSink::appendStyleRun(const RunStyle& style, const RunText& text) {
+  std::optional<RBInteger> after;
+  if (text.encoding == encoding::kUTF16 && text.bytes.size() == sizeof(char16_t)) {
+    char16_t unit = 0;
+    std::memcpy(&unit, text.bytes.data(), sizeof unit);
+    REALobject run = newRunStyled(style);
+    after = StyledTextAddUnitRun(unit, styledText_, run, kKeepAlignment);
+  } else {
+    // Copied before the run exists, so a failed allocation cannot strand it.
+    text_.assign(text.bytes);
+    REALobject run = newRunStyled(style);
+    after = StyledTextAddBufferedRun(text_, text.encoding, styledText_, run, kKeepAlignment);
+  }
+  if (after) paragraphCount_ = *after;
+}
+
+void HostStyledTextSink::setParagraphAlignment(std::int64_t paragraph, std::int64_t alignment) {
+  debugLogInt64Pair("SetParagraphAlignment", paragraph, alignment);
+  StyledTextSetParagraphAlignment(styledText_, paragraph, alignment);
 }
 
 }  // namespace zel::styledtext

@@ -1,14 +1,17 @@
 // The only code that touches the host's StyledText, StyleRun and Paragraph objects: a snapshot of a
-// styled text as run records, and the operations that build one run by run. Nothing here raises;
+// styled text as run records, and the operations that build one run by run, also as the RTF
+// reader's sink. Nothing here raises;
 // failed host calls become debug-log lines and the work goes on.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "sdk/host_types.h"
+#include "styledtext/rtf_reader.h"
 #include "styledtext/style_run.h"
 
 namespace zel::styledtext {
@@ -55,5 +58,22 @@ void StyledTextSetParagraphAlignment(REALobject styledText, RBInteger index,
                                      RBInteger alignment) noexcept;
 // Removes every run, last first.
 void StyledTextClear(REALobject styledText) noexcept;
+
+// The reader's building steps, carried out on a host StyledText. The paragraph count that the
+// last append reported is remembered, so each run costs the host two counts, not four.
+class HostStyledTextSink final : public StyledTextSink {
+ public:
+  explicit HostStyledTextSink(REALobject styledText);
+
+  void clear() override;
+  std::int64_t paragraphCount() override;
+  void appendStyleRun(const RunStyle& style, const RunText& text) override;
+  void setParagraphAlignment(std::int64_t paragraph, std::int64_t alignment) override;
+
+ private:
+  REALobject styledText_;
+  std::string text_;
+  std::optional<std::int64_t> paragraphCount_;
+};
 
 }  // namespace zel::styledtext

@@ -16,12 +16,7 @@ namespace {
 using zeltest::BridgeTest;
 using zeltest::HostString;
 
-class MemoryBlockTest : public BridgeTest {
- protected:
-  static std::span<const std::uint8_t> bytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-  }
-};
+using MemoryBlockTest = BridgeTest;
 
 TEST_F(MemoryBlockTest, ReadsDataAndSize) {
   REALobject block = zelhost::makeMemoryBlock("abc");
@@ -80,29 +75,28 @@ TEST_F(MemoryBlockTest, FailuresRaiseOutOfMemory) {
 TEST_F(MemoryBlockTest, ViewsLockTheirBlock) {
   REALobject block = zelhost::makeMemoryBlock("hello");
   {
-    MemoryBlockView view;
-    openMemoryBlockView(view, block, 1, 3);
+    MemoryBlockView view(block, 1, 3);
     EXPECT_EQ(zelhost::referenceCount(block), 2);
-    EXPECT_EQ(std::string_view(reinterpret_cast<const char*>(view.data), 3), "ell");
+    EXPECT_EQ(view.view(), "ell");
     openMemoryBlockView(view, block);  // reopening lets the first lock go
-    EXPECT_EQ(view.size, 5);
+    EXPECT_EQ(view.view(), "hello");
     EXPECT_EQ(zelhost::referenceCount(block), 2);
-    HostStringBytes bytes(block);
+    const HostStringBytes bytes(block);
     EXPECT_EQ(bytes.view(), "hello");
+    EXPECT_EQ(zelhost::referenceCount(block), 3);
   }
   EXPECT_EQ(zelhost::referenceCount(block), 1);
   zelhost::release(block);
 
-  MemoryBlockView nil;
-  openMemoryBlockView(nil, nullptr, 0, 8);
+  const MemoryBlockView nil(nullptr, 0, 8);
   EXPECT_EQ(nil.data, nullptr);
   EXPECT_EQ(nil.size, 0);
   REALobject empty = zelhost::makeMemoryBlockWithoutData(8);
-  MemoryBlockView withoutData;
-  openMemoryBlockView(withoutData, empty);
-  EXPECT_EQ(withoutData.size, 0);
+  {
+    const MemoryBlockView withoutData(empty);
+    EXPECT_TRUE(withoutData.bytes().empty());
+  }
   EXPECT_EQ(logCount("data is NULL, so size fixed to zero."), 2);
-  withoutData.release();
   zelhost::release(empty);
 }
 
@@ -163,7 +157,7 @@ TEST_F(MemoryBlockTest, AdapterHelpers) {
   zelhost::setServiceFailing("RuntimeArrayCreateSingleDimBoundedArray");
   EXPECT_EQ(buildStringArray(items, encoding::kUTF8), nullptr);
 
-  REALobject block = buildMemoryBlock(bytesOf("\x01\x02"));
+  REALobject block = buildMemoryBlock("\x01\x02");
   EXPECT_EQ(zelhost::memoryBlockBytes(block), "\x01\x02");
   zelhost::release(block);
 }

@@ -21,7 +21,7 @@ class ExceptionTranslation : public ::testing::Test {
   void TearDown() override { EXPECT_EQ(zelhost::liveCounts(), zelhost::LiveCounts{}); }
 
   static zelhost::RaisedException raisedBy(const std::function<void()>& body) {
-    zel::guarded(body);
+    zel::guarded(zel::OnFailure::raise, body);
     auto raised = zelhost::takeRaisedException();
     EXPECT_TRUE(raised.has_value());
     return raised.value_or(zelhost::RaisedException{});
@@ -60,18 +60,43 @@ TEST_F(ExceptionTranslation, MapsEachStandardFailure) {
 }
 
 TEST_F(ExceptionTranslation, QuietGuardSwallowsOnlyAllocationFailures) {
-  EXPECT_EQ(zel::quietOnOutOfMemory([]() -> RBInteger { throw std::bad_alloc(); }), 0);
+  EXPECT_EQ(zel::guarded(zel::OnFailure::emptyIfOutOfMemory,
+                         []() -> RBInteger { throw std::bad_alloc(); }),
+            0);
   EXPECT_FALSE(zelhost::takeRaisedException());
-  zel::quietOnOutOfMemory([]() -> RBInteger { throw std::out_of_range("x"); });
+  zel::guarded(zel::OnFailure::emptyIfOutOfMemory,
+               []() -> RBInteger { throw std::out_of_range("x"); });
   const auto raised = zelhost::takeRaisedException();
   ASSERT_TRUE(raised);
   EXPECT_EQ(raised->className, "OutOfBoundsException");
 }
 
+TEST_F(ExceptionTranslation, OwnMessageGuardKeepsWhatTheFailureSays) {
+  const struct {
+    std::function<void()> body;
+    const char* className;
+    const char* message;
+  } cases[] = {
+      {[] { throw std::bad_alloc(); }, "OutOfMemoryException", "std::bad_alloc"},
+      {[] { throw zel::OutOfMemoryError("no room"); }, "OutOfMemoryException", "no room"},
+      {[] { throw std::out_of_range("far"); }, "RuntimeException", "far"},
+      {[] { throw 42; }, "RuntimeException", "Sorry, but there was an unnamed C++ Exception."},
+  };
+  for (const auto& c : cases) {
+    zel::guarded(zel::OnFailure::raiseOwnMessage, c.body);
+    const auto raised = zelhost::takeRaisedException();
+    ASSERT_TRUE(raised) << c.message;
+    EXPECT_EQ(raised->className, c.className);
+    EXPECT_EQ(raised->message, c.message);
+  }
+}
+
 TEST_F(ExceptionTranslation, GuardReturnsTheEmptyResult) {
-  EXPECT_EQ(zel::guarded([]() -> RBInteger { throw std::runtime_error("x"); }), 0);
-  EXPECT_EQ(zel::guarded([]() -> REALstring { throw std::bad_alloc(); }), nullptr);
-  EXPECT_EQ(zel::guarded([]() -> RBInteger { return 7; }), 7);
+  EXPECT_EQ(
+      zel::guarded(zel::OnFailure::raise, []() -> RBInteger { throw std::runtime_error("x"); }), 0);
+  EXPECT_EQ(zel::guarded(zel::OnFailure::raise, []() -> REALstring { throw std::bad_alloc(); }),
+            nullptr);
+  EXPECT_EQ(zel::guarded(zel::OnFailure::raise, []() -> RBInteger { return 7; }), 7);
   zelhost::takeRaisedException();
   zelhost::takeRaisedException();
 }
@@ -94,7 +119,7 @@ TEST_F(ExceptionTranslation, NothingIsRaisedWhenNoExceptionCanBeMade) {
 TEST_F(ExceptionTranslation, UnnamedFailureIsLogged) {
   zel::setDebugEnabled(true);
   zelhost::captureLog(true);
-  zel::guarded([] { throw 1; });
+  zel::guarded(zel::OnFailure::raise, [] { throw 1; });
   const auto captured = zelhost::capturedLog();
   zelhost::captureLog(false);
   zel::setDebugEnabled(false);
