@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/plugin_fixture.h"
+#include "text/utf8.h"
 
 namespace zeltest {
 namespace {
@@ -60,17 +61,6 @@ struct HtmlParagraph {
   std::string text;  // tags stripped, entities decoded, white space as single blanks
 };
 
-void appendUtf8(std::string& out, unsigned long c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-    return;
-  }
-  const int extra = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-  constexpr unsigned char kLead[] = {0, 0xC0, 0xE0, 0xF0};
-  out += static_cast<char>(kLead[extra] | (c >> (6 * extra)));
-  for (int k = extra - 1; k >= 0; --k) out += static_cast<char>(0x80 | ((c >> (6 * k)) & 0x3F));
-}
-
 std::string htmlText(std::string_view markup) {
   std::string text;
   for (std::size_t at = 0; at < markup.size(); ++at) {
@@ -80,10 +70,11 @@ std::string htmlText(std::string_view markup) {
     } else if (c == '&') {
       const std::size_t end = markup.find(';', at);
       const std::string_view entity = markup.substr(at + 1, end - at - 1);
-      if (entity.starts_with("#x")) {
-        appendUtf8(text, std::stoul(std::string(entity.substr(2)), nullptr, 16));
-      } else if (entity.starts_with("#")) {
-        appendUtf8(text, std::stoul(std::string(entity.substr(1))));
+      if (entity.starts_with("#")) {
+        const bool hex = entity.starts_with("#x");
+        const std::string digits(entity.substr(hex ? 2 : 1));
+        zel::text::appendUtf8(static_cast<char32_t>(std::stoul(digits, nullptr, hex ? 16 : 10)),
+                              text);
       } else {
         text += entity == "amp" ? "&" : entity == "lt" ? "<" : entity == "gt" ? ">" : "\"";
       }
