@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "support/files.h"
 #include "support/plugin_fixture.h"
 #include "text/utf8.h"
 
@@ -18,13 +18,6 @@ namespace zeltest {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string fileBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return std::move(bytes).str();
-}
 
 class LibreOfficeTest : public PluginFixture {
  protected:

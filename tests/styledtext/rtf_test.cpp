@@ -1,15 +1,15 @@
 // StyledText.RTFDataZEL end to end: the built plug-in in the stand-in host, under hosts that take
 // the class extension as such and hosts that get it rewritten into the module.
-#include <algorithm>
+#include <gmock/gmock.h>
+
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "support/files.h"
 #include "support/plugin_fixture.h"
 
 namespace zelhost {
@@ -127,14 +127,10 @@ TEST_P(RtfDataTest, FallsBackToFontNameWhenTheHostHasNoFont) {
   const auto runs = zelhost::styledRuns(text);
   ASSERT_EQ(runs.size(), 1U);
   EXPECT_EQ(runs[0].font, "Gill Sans");
-  const auto logged = [&](std::string_view line) {
-    return std::find_if(log.begin(), log.end(), [&](const std::string& l) {
-             return l.find(line) != std::string::npos;
-           }) != log.end();
-  };
-  EXPECT_TRUE(logged("ZEL Debug: Failed to set Font property, trying FontName."));
-  EXPECT_TRUE(logged(": Gill Sans"));
-  EXPECT_FALSE(logged("Failed to set FontName property."));
+  using ::testing::Contains, ::testing::HasSubstr, ::testing::Not;
+  EXPECT_THAT(log, Contains(HasSubstr("ZEL Debug: Failed to set Font property, trying FontName.")));
+  EXPECT_THAT(log, Contains(HasSubstr(": Gill Sans")));
+  EXPECT_THAT(log, Not(Contains(HasSubstr("Failed to set FontName property."))));
 }
 
 // ---- round trips
@@ -197,41 +193,29 @@ INSTANTIATE_TEST_SUITE_P(Hosts, RtfDataTest, ::testing::Values(2012.5, 3000.0, 2
 // ---- zelhost (built only where libffi is)
 #if defined(ZELHOST_PATH)
 
-std::string run(const std::string& arguments) {
-  FILE* pipe = popen((ZELHOST_PATH " --plugin " ZEL_PLUGIN_PATH " " + arguments).c_str(), "r");
-  std::string output;
+std::string output(const std::string& command) {
+  FILE* pipe = popen(command.c_str(), "r");
+  std::string bytes;
   char buffer[4096];
   for (std::size_t got; (got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-    output.append(buffer, got);
-  EXPECT_EQ(pclose(pipe), 0) << arguments;
-  return output;
+    bytes.append(buffer, got);
+  EXPECT_EQ(pclose(pipe), 0) << command;
+  return bytes;
 }
 
-TEST(ZelhostRtfTest, WritesAndReadsFilesInBothRegistrationForms) {
-  const auto folder =
-      std::filesystem::temp_directory_path() /
-      ("zel-rtf-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-  std::filesystem::create_directories(folder);
-  const auto runsFile = (folder / "runs.json").string();
-  const auto rtfFile = (folder / "text.rtf").string();
-  std::ofstream(runsFile)
-      << R"({"runs": [{"text": "Hello ", "font": "Arial", "size": 12, "bold": true},
-                      {"text": "World\n", "font": "Arial", "size": 12, "italic": true, "color": 16711680}],
-             "paragraphs": [{"alignment": 0}]})";
-  std::ofstream(rtfFile, std::ios::binary) << kWorkedExample;
-  const std::string runsJson =
-      R"({"runs": [{"text": "Hello ", "font": "Arial", "size": 12, "bold": true, "italic": false, "underline": false, "color": 0},)"
-      "\n          "
-      R"({"text": "World\r", "font": "Arial", "size": 12, "bold": false, "italic": true, "underline": false, "color": 16711680}],)"
-      "\n "
-      R"("paragraphs": [{"start": 0, "end": 12, "alignment": 0}]})"
-      "\n";
+// zelhost's RTF commands give the reference's example files under both registration forms.
+TEST(ZelhostRtfTest, WritesAndReadsTheReferenceExamplesInBothRegistrationForms) {
+  const std::string examples = ZEL_SOURCE_DIR "/docs/examples/";
   for (const char* version : {"2012.5", "2025.03"}) {
-    const std::string host = std::string("--host-version ") + version + " ";
-    EXPECT_EQ(run(host + "rtf-write " + runsFile), kWorkedExample) << version;
-    EXPECT_EQ(run(host + "rtf-read --json " + rtfFile), runsJson) << version;
+    const std::string zelhost =
+        ZELHOST_PATH " --plugin " ZEL_PLUGIN_PATH " --host-version " + std::string(version);
+    EXPECT_EQ(output(zelhost + " rtf-write " + examples + "runs.json"),
+              fileBytes(examples + "hello.rtf"))
+        << version;
+    EXPECT_EQ(output(zelhost + " rtf-read --json " + examples + "hello.rtf"),
+              fileBytes(examples + "hello_read.json"))
+        << version;
   }
-  std::filesystem::remove_all(folder);
 }
 #endif
 
