@@ -416,25 +416,6 @@ TEST_P(RtfRoundTrip, GivesBackTextStylesAndAlignments) {
 INSTANTIATE_TEST_SUITE_P(Paragraphs, RtfRoundTrip, testing::Bool(),
                          [](const auto& test) { return test.param ? "Skipped" : "Kept"; });
 
-// Malformed input never fails: runs are never empty and alignments name an existing paragraph
-// (both checked by the sink), for truncated, braced and escaped garbage alike.
-TEST(RtfReader, SurvivesMalformedInput) {
-  static constexpr std::string_view kAlphabet = "{}\\\\\\'*;-09afbuclqrdpsnti \r\n\x80\xFF";
-  std::mt19937 random(11);
-  for (int round = 0; round < 2000; ++round) {
-    std::string rtf = "{\\rtf1";
-    const std::size_t length = random() % 200;
-    for (std::size_t at = 0; at < length; ++at) rtf += kAlphabet[random() % kAlphabet.size()];
-    RecordingSink sink;
-    readRtf(rtf, sink);
-    for (const RecordedRun& run : sink.runs) {
-      if (run.encoding == encoding::kUTF16) {
-        EXPECT_NE(run.text[0], 0) << rtf;
-      }
-    }
-  }
-}
-
 struct ClaimCase {
   const char* name;
   std::vector<std::int64_t> starts;  // runs' startPos, each next one ends the run before it

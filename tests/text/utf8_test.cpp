@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -107,19 +108,30 @@ INSTANTIATE_TEST_SUITE_P(Paths, Utf8OnEachPath,
                                                                  supportedSimdPaths().end())),
                          [](const auto& path) { return std::string(simdPathName(path.param)); });
 
+// `bytes` inside ASCII, where a vector path reads them across two 16-byte lanes.
+Bytes acrossLanes(const Bytes& bytes) {
+  constexpr std::size_t kAt = 14, kSize = 32;
+  Bytes padded(kSize, 'a');
+  std::copy(bytes.begin(), bytes.end(), padded.begin() + kAt);
+  return padded;
+}
+
+// Each input alone and across lanes; across lanes, inputs that start with ASCII are the shorter
+// inputs again.
 TEST_P(Utf8OnEachPath, AgreesWithTheReferenceOnEveryInputUpToThreeBytes) {
   for (std::size_t length = 1; length <= 3; ++length) {
     for (std::uint32_t n = 0; n < 1u << (8 * length); ++n) {
       Bytes bytes(length);
       for (std::size_t k = 0; k < length; ++k) bytes[k] = static_cast<std::uint8_t>(n >> (8 * k));
       expectLikeReference(bytes);
+      if (bytes[0] >= 0x80) expectLikeReference(acrossLanes(bytes));
       if (testing::Test::HasFatalFailure()) return;
     }
   }
 }
 
 // Every lead byte before the edges of the trailing-byte ranges, ASCII that must not be swallowed
-// and other leads, cut at four, five and six bytes.
+// and other leads, cut at four, five and six bytes, and whole across lanes.
 TEST_P(Utf8OnEachPath, AgreesWithTheReferenceForEveryLeadOfLongerSequences) {
   constexpr std::uint8_t kSamples[] = {0x00, 0x22, 0x3C, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F,
                                        0xA0, 0xBF, 0xC0, 0xC2, 0xE0, 0xED, 0xF4, 0xF8, 0xFF};
@@ -130,8 +142,9 @@ TEST_P(Utf8OnEachPath, AgreesWithTheReferenceForEveryLeadOfLongerSequences) {
           const Bytes input = {static_cast<std::uint8_t>(lead), b1, b2, b3, 0x80, 'z'};
           for (const std::ptrdiff_t length : {4, 5, 6}) {
             expectLikeReference(Bytes(input.begin(), input.begin() + length));
-            if (testing::Test::HasFatalFailure()) return;
           }
+          expectLikeReference(acrossLanes(input));
+          if (testing::Test::HasFatalFailure()) return;
         }
       }
     }
