@@ -92,15 +92,6 @@ std::vector<HtmlParagraph> htmlParagraphs(const std::string& html) {
   return paragraphs;
 }
 
-zelhost::StyledRun run(std::string text, std::string font, RBInteger size, RBColor color) {
-  zelhost::StyledRun styled;
-  styled.text = std::move(text);
-  styled.font = std::move(font);
-  styled.size = size;
-  styled.color = color;
-  return styled;
-}
-
 TEST_F(LibreOfficeTest, ReadsOurRtfWithItsStyles) {
   struct Expected {
     zelhost::StyledRun run;
@@ -109,28 +100,36 @@ TEST_F(LibreOfficeTest, ReadsOurRtfWithItsStyles) {
     std::vector<std::string> present;
     std::vector<std::string> absent;
   };
-  std::vector<Expected> styles = {
-      {run("Bold centred\n", "Liberation Serif", 12, 0),
+  const std::vector<Expected> styles = {
+      {{.text = "Bold centred\n", .font = "Liberation Serif", .size = 12, .bold = true},
        2,
        "Bold centred",
        {"align=\"center\"", "<b>", "Liberation Serif", "font-size: 12pt"},
        {"<i>", "<u>", "color="}},
-      {run("Italic red\r\n", "Liberation Sans", 18, 0xFF0000),
+      {{.text = "Italic red\r\n",
+        .font = "Liberation Sans",
+        .size = 18,
+        .italic = true,
+        .color = 0xFF0000},
        3,
        "Italic red",
        {"align=\"right\"", "<i>", "color=\"#ff0000\"", "Liberation Sans", "font-size: 18pt"},
        {"<b>", "<u>"}},
-      {run("Underlined blue", "Liberation Mono", 10, 0x0000FF),
+      {{.text = "Underlined blue",
+        .font = "Liberation Mono",
+        .size = 10,
+        .underline = true,
+        .color = 0x0000FF},
        1,
        "Underlined blue",
        {"align=\"left\"", "<u>", "color=\"#0000ff\"", "Liberation Mono", "font-size: 10pt"},
        {"<b>", "<i>"}},
   };
-  styles[0].run.bold = true;
-  styles[1].run.italic = true;
-  styles[2].run.underline = true;
   const std::vector<Expected> unicode = {
-      {run("Plain caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 a{b}\\c", "DejaVu Sans", 14, 0x008000),
+      {{.text = "Plain caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 a{b}\\c",
+        .font = "DejaVu Sans",
+        .size = 14,
+        .color = 0x008000},
        2,
        "Plain caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 a{b}\\c",
        {"align=\"center\"", "color=\"#008000\"", "DejaVu Sans", "font-size: 14pt"},
