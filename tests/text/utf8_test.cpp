@@ -116,11 +116,13 @@ Bytes acrossLanes(const Bytes& bytes) {
   return padded;
 }
 
-// Each input alone and across lanes; across lanes, inputs that start with ASCII are the shorter
-// inputs again.
+// Each input alone and across lanes. Inputs that start with ASCII are the shorter inputs again,
+// and three bytes that start with a stray continuation byte end at that byte.
 TEST_P(Utf8OnEachPath, AgreesWithTheReferenceOnEveryInputUpToThreeBytes) {
+  constexpr std::uint8_t kFirstLead = 0xC0;
   for (std::size_t length = 1; length <= 3; ++length) {
     for (std::uint32_t n = 0; n < 1u << (8 * length); ++n) {
+      if (length == 3 && (n & 0xFF) < kFirstLead) continue;
       Bytes bytes(length);
       for (std::size_t k = 0; k < length; ++k) bytes[k] = static_cast<std::uint8_t>(n >> (8 * k));
       expectLikeReference(bytes);
@@ -131,7 +133,7 @@ TEST_P(Utf8OnEachPath, AgreesWithTheReferenceOnEveryInputUpToThreeBytes) {
 }
 
 // Every lead byte before the edges of the trailing-byte ranges, ASCII that must not be swallowed
-// and other leads, cut at four, five and six bytes, and whole across lanes.
+// and other leads: cut after four bytes, and whole across lanes.
 TEST_P(Utf8OnEachPath, AgreesWithTheReferenceForEveryLeadOfLongerSequences) {
   constexpr std::uint8_t kSamples[] = {0x00, 0x22, 0x3C, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F,
                                        0xA0, 0xBF, 0xC0, 0xC2, 0xE0, 0xED, 0xF4, 0xF8, 0xFF};
@@ -140,9 +142,7 @@ TEST_P(Utf8OnEachPath, AgreesWithTheReferenceForEveryLeadOfLongerSequences) {
       for (const std::uint8_t b2 : kSamples) {
         for (const std::uint8_t b3 : kSamples) {
           const Bytes input = {static_cast<std::uint8_t>(lead), b1, b2, b3, 0x80, 'z'};
-          for (const std::ptrdiff_t length : {4, 5, 6}) {
-            expectLikeReference(Bytes(input.begin(), input.begin() + length));
-          }
+          expectLikeReference(Bytes(input.begin(), input.begin() + 4));
           expectLikeReference(acrossLanes(input));
           if (testing::Test::HasFatalFailure()) return;
         }
