@@ -15,11 +15,6 @@ struct Conversion {
   std::string expected;
 };
 
-// Keeps test names readable in ctest listings.
-void PrintTo(const Conversion& conversion, std::ostream* out) {
-  *out << conversion.name;
-}
-
 const Conversion kConversions[] = {
     {"utf8 to utf16 native", "a\xC3\xA9\xF0\x9F\x98\x80", encoding::kUTF8, encoding::kUTF16,
      "a\0\xE9\0\x3D\xD8\x00\xDE"s},
@@ -80,32 +75,23 @@ const Conversion kConversions[] = {
      "\xFE\xFF\x41\x00"s},
 };
 
-class ConversionTest : public HostFixture, public ::testing::WithParamInterface<Conversion> {};
+TEST_F(HostFixture, ConvertStringAndStringDataAgree) {
+  for (const Conversion& c : kConversions) {
+    SCOPED_TRACE(c.name);
+    HostString source(c.source, c.from);
+    HostString converted(service<service::REALConvertString>("REALConvertString")(source, c.to));
+    ASSERT_NE(converted.get(), nullptr);
+    EXPECT_EQ(converted.bytes(), c.expected);
+    EXPECT_EQ(converted.encoding(), c.to);
 
-TEST_P(ConversionTest, ConvertStringAndStringDataAgree) {
-  const Conversion& c = GetParam();
-  HostString source(c.source, c.from);
-  HostString converted(service<service::REALConvertString>("REALConvertString")(source, c.to));
-  ASSERT_NE(converted.get(), nullptr);
-  EXPECT_EQ(converted.bytes(), c.expected);
-  EXPECT_EQ(converted.encoding(), c.to);
-
-  REALstringData data{};
-  ASSERT_TRUE(service<service::PluginGetStringData>("PluginGetStringData")(source, c.to, &data));
-  EXPECT_EQ(std::string(static_cast<const char*>(data.data), data.length), c.expected);
-  EXPECT_EQ(data.encoding, c.to);
-  EXPECT_EQ(zelhost::liveCounts().stringData, 1);
-  service<service::PluginDisposeStringData>("PluginDisposeStringData")(&data);
+    REALstringData data{};
+    ASSERT_TRUE(service<service::PluginGetStringData>("PluginGetStringData")(source, c.to, &data));
+    EXPECT_EQ(std::string(static_cast<const char*>(data.data), data.length), c.expected);
+    EXPECT_EQ(data.encoding, c.to);
+    EXPECT_EQ(zelhost::liveCounts().stringData, 1);
+    service<service::PluginDisposeStringData>("PluginDisposeStringData")(&data);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Pairs, ConversionTest, ::testing::ValuesIn(kConversions),
-                         [](const auto& parameter) {
-                           std::string name = parameter.param.name;
-                           for (char& ch : name) {
-                             if (!std::isalnum(static_cast<unsigned char>(ch))) ch = '_';
-                           }
-                           return name;
-                         });
 
 TEST_F(HostFixture, UnknownEncodingsDoNotConvert) {
   HostString text("abc", encoding::kUTF8);

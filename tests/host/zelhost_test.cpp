@@ -11,8 +11,11 @@
 
 #include "function_pages.h"
 #include "host_test_support.h"
+#include "support/files.h"
 
 namespace {
+
+using zeltest::fileBytes;
 
 constexpr const char* kFake = ZEL_FAKE_PLUGIN_PATH;
 constexpr const char* kReal = ZEL_PLUGIN_PATH;
@@ -22,13 +25,6 @@ struct ToolRun {
   std::string out;
   std::string err;
 };
-
-std::string fileText(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return std::move(text).str();
-}
 
 // Runs zelhost with `plugin` (null: none given), `arguments` (shell words) and `input` on stdin.
 ToolRun zelhost(const char* plugin, const std::string& arguments, const std::string& input = "") {
@@ -41,8 +37,8 @@ ToolRun zelhost(const char* plugin, const std::string& arguments, const std::str
                               " <" + (folder / "in").string() + " >" + (folder / "out").string() +
                               " 2>" + (folder / "err").string();
   const int status = std::system(command.c_str());
-  ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileText(folder / "out"),
-              fileText(folder / "err")};
+  ToolRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, fileBytes(folder / "out"),
+              fileBytes(folder / "err")};
   std::filesystem::remove_all(folder);
   return run;
 }
@@ -223,7 +219,7 @@ TEST_F(ZelhostPagesTest, EveryRegisteredFunctionHasAPageThatNamesIt) {
     const auto page = zelhost::functionPage(member.parsed.name);
     ASSERT_TRUE(page.has_value()) << member.parsed.name;
     const std::string text =
-        fileText(std::filesystem::path(ZEL_SOURCE_DIR) / "docs/functions" / (*page + ".md"));
+        fileBytes(std::filesystem::path(ZEL_SOURCE_DIR) / "docs/functions" / (*page + ".md"));
     EXPECT_NE(text.find(member.parsed.name), std::string::npos)
         << member.parsed.name << " is not on " << *page;
   }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -122,23 +121,6 @@ std::string withLfBreaks(std::string_view text) {
     out += '\n';
   }
   return out;
-}
-
-TEST(QuotedPrintableKernel, LinesStayShortAndDecodingRestoresTheText) {
-  std::mt19937 random(5);
-  const std::string alphabet = "ab= \t\r\n\xE9.";
-  for (int round = 0; round < 400; ++round) {
-    std::string input(random() % 200, '\0');
-    for (auto& c : input) c = alphabet[random() % alphabet.size()];
-    const auto lineLength = static_cast<std::int64_t>(5 + random() % 40);
-    const std::string encoded = encodeQuotedPrintable(ExactBytes(input), lineLength);
-    for (std::size_t start = 0; start <= encoded.size();) {
-      const std::size_t end = std::min(encoded.find("\r\n", start), encoded.size());
-      ASSERT_LE(static_cast<std::int64_t>(end - start), lineLength - 1) << encoded;
-      start = end + 2;
-    }
-    ASSERT_EQ(decodeQuotedPrintable(ExactBytes(encoded)), withLfBreaks(input)) << encoded;
-  }
 }
 
 // Every string of one and two bytes: 256 + 65,536 inputs.

@@ -1,13 +1,11 @@
 #include "strings/unicode_composition.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <map>
 #include <random>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "strings/decomposition_table.h"
@@ -77,37 +75,6 @@ TEST(UnicodeCompositionKernel, ComposesByTheFirstMatchingRow) {
       {u"", u""},
   };
   for (const auto& c : cases) EXPECT_EQ(composeCharacters(c.input), c.output);
-}
-
-class RecordingTrace : public UnicodeTrace {
- public:
-  void note(const char* label, std::int64_t value) override { events.push_back({label, value}); }
-  void note(const char* label, std::int64_t value, std::int64_t second) override {
-    events.push_back({label, value});
-    foundAt = second;
-  }
-  std::vector<std::pair<std::string, std::int64_t>> events;
-  std::int64_t foundAt = -1;
-};
-
-TEST(UnicodeCompositionKernel, TracesTheLookupsOfTheDebugLog) {
-  RecordingTrace found;
-  EXPECT_EQ(decomposeCharacters(u"a\u00E9", &found), u"ae\u0301");
-  ASSERT_GE(found.events.size(), 3u);
-  EXPECT_EQ(found.events[0], std::make_pair(std::string("findComposition"), std::int64_t{0xE9}));
-  EXPECT_EQ(found.events[1], std::make_pair(std::string("middle before"), std::int64_t{6098}));
-  EXPECT_EQ(found.events.back(), std::make_pair(std::string("Char found"), std::int64_t{0xE9}));
-  EXPECT_EQ(decompositionTable[static_cast<std::size_t>(found.foundAt)].composed, 0xE9);
-
-  RecordingTrace missing;
-  EXPECT_EQ(decomposeCharacters(u"\u2126", &missing), u"\u2126");
-  EXPECT_EQ(missing.events.back(),
-            std::make_pair(std::string("Char not found"), std::int64_t{0x2126}));
-
-  RecordingTrace composing;
-  EXPECT_EQ(composeCharacters(u"1e\u0301", &composing), u"1\u00E9");
-  EXPECT_THAT(composing.events, testing::ElementsAre(std::make_pair(
-                                    std::string("findCompositionInText"), std::int64_t{'e'})));
 }
 
 // The linear scan of the whole table, kept as the reference for the indexed composition.

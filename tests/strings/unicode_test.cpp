@@ -60,9 +60,9 @@ TEST_F(UnicodeTest, CompositionTakesTheFirstRowThatMatches) {
   check(kCompose, {
                       {"e\u0301", kUtf8, "\u00E9"},
                       {utf16Bytes(u"\u1100\u1161"), kUtf16, "\uAC00"},
-                      {"A\u0308\u0304", kUtf8, "\u00C4\u0304"},
                       {"\U000242EE!", kUtf8, "\uFA6C!"},
-                      {"plain", kUtf8, "plain"},
+                      // Malformed UTF-8 ends the text, with the ASCII byte inside the sequence.
+                      {"a\xED<\x80z", kUtf8, "a"},
                       {"", kUtf8, std::nullopt},
                       {std::nullopt, 0, std::nullopt},
                   });
@@ -72,8 +72,6 @@ TEST_F(UnicodeTest, DecompositionReplacesEveryUnitThatHasARow) {
   check(kDecompose, {
                         {"\u00E9", kUtf8, "e\u0301"},
                         {utf16Bytes(u"\uAC01"), kUtf16, "\u1100\u1161\u11A8"},
-                        {"\u01DE", kUtf8, "A\u0308\u0304"},
-                        {"\u2126 \u00A0", kUtf8, "\u2126 \u00A0"},
                         {"caf\xE9", encoding::kNone, "cafe\u0301"},
                         {"", kUtf8, std::nullopt},
                         {std::nullopt, 0, std::nullopt},
@@ -82,13 +80,9 @@ TEST_F(UnicodeTest, DecompositionReplacesEveryUnitThatHasARow) {
 
 TEST_F(UnicodeTest, RemoveAccentsReducesToBaseLetters) {
   check(kRemoveAccents, {
-                            {"Cr\u00E8me Br\u00FBl\u00E9e", kUtf8, "Creme Brulee"},
                             {"Cr\u00E8me Br\u00FBl\u00E9e", kUtf8, "CREME BRULEE", true},
-                            {"\u00C6sop \u00BD", kUtf8, "AEsop 1/2"},
-                            {"e\u0301", kUtf8, "e"},
                             {"\u0401 \u00DE \u00DF", kUtf8, "\u0401 P s"},
                             {utf16Bytes(u"\u212Bngstr\u00F6m"), kUtf16, "Angstrom"},
-                            {"\u00E0\u00DF\u0161", kUtf8, "ASS", true},
                             {"", kUtf8, std::nullopt},
                             {std::nullopt, 0, std::nullopt, true},
                         });

@@ -7,23 +7,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "support/files.h"
 #include "support/plugin_fixture.h"
+#include "text/utf8.h"
 
 namespace zeltest {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string fileBytes(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return std::move(bytes).str();
-}
 
 class LibreOfficeTest : public PluginFixture {
  protected:
@@ -60,17 +54,6 @@ struct HtmlParagraph {
   std::string text;  // tags stripped, entities decoded, white space as single blanks
 };
 
-void appendUtf8(std::string& out, unsigned long c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-    return;
-  }
-  const int extra = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-  constexpr unsigned char kLead[] = {0, 0xC0, 0xE0, 0xF0};
-  out += static_cast<char>(kLead[extra] | (c >> (6 * extra)));
-  for (int k = extra - 1; k >= 0; --k) out += static_cast<char>(0x80 | ((c >> (6 * k)) & 0x3F));
-}
-
 std::string htmlText(std::string_view markup) {
   std::string text;
   for (std::size_t at = 0; at < markup.size(); ++at) {
@@ -80,10 +63,11 @@ std::string htmlText(std::string_view markup) {
     } else if (c == '&') {
       const std::size_t end = markup.find(';', at);
       const std::string_view entity = markup.substr(at + 1, end - at - 1);
-      if (entity.starts_with("#x")) {
-        appendUtf8(text, std::stoul(std::string(entity.substr(2)), nullptr, 16));
-      } else if (entity.starts_with("#")) {
-        appendUtf8(text, std::stoul(std::string(entity.substr(1))));
+      if (entity.starts_with("#")) {
+        const bool hex = entity.starts_with("#x");
+        const std::string digits(entity.substr(hex ? 2 : 1));
+        zel::text::appendUtf8(static_cast<char32_t>(std::stoul(digits, nullptr, hex ? 16 : 10)),
+                              text);
       } else {
         text += entity == "amp" ? "&" : entity == "lt" ? "<" : entity == "gt" ? ">" : "\"";
       }
@@ -108,15 +92,6 @@ std::vector<HtmlParagraph> htmlParagraphs(const std::string& html) {
   return paragraphs;
 }
 
-zelhost::StyledRun run(std::string text, std::string font, RBInteger size, RBColor color) {
-  zelhost::StyledRun styled;
-  styled.text = std::move(text);
-  styled.font = std::move(font);
-  styled.size = size;
-  styled.color = color;
-  return styled;
-}
-
 TEST_F(LibreOfficeTest, ReadsOurRtfWithItsStyles) {
   struct Expected {
     zelhost::StyledRun run;
@@ -125,28 +100,36 @@ TEST_F(LibreOfficeTest, ReadsOurRtfWithItsStyles) {
     std::vector<std::string> present;
     std::vector<std::string> absent;
   };
-  std::vector<Expected> styles = {
-      {run("Bold centred\n", "Liberation Serif", 12, 0),
+  const std::vector<Expected> styles = {
+      {{.text = "Bold centred\n", .font = "Liberation Serif", .size = 12, .bold = true},
        2,
        "Bold centred",
        {"align=\"center\"", "<b>", "Liberation Serif", "font-size: 12pt"},
        {"<i>", "<u>", "color="}},
-      {run("Italic red\r\n", "Liberation Sans", 18, 0xFF0000),
+      {{.text = "Italic red\r\n",
+        .font = "Liberation Sans",
+        .size = 18,
+        .italic = true,
+        .color = 0xFF0000},
        3,
        "Italic red",
        {"align=\"right\"", "<i>", "color=\"#ff0000\"", "Liberation Sans", "font-size: 18pt"},
        {"<b>", "<u>"}},
-      {run("Underlined blue", "Liberation Mono", 10, 0x0000FF),
+      {{.text = "Underlined blue",
+        .font = "Liberation Mono",
+        .size = 10,
+        .underline = true,
+        .color = 0x0000FF},
        1,
        "Underlined blue",
        {"align=\"left\"", "<u>", "color=\"#0000ff\"", "Liberation Mono", "font-size: 10pt"},
        {"<b>", "<i>"}},
   };
-  styles[0].run.bold = true;
-  styles[1].run.italic = true;
-  styles[2].run.underline = true;
   const std::vector<Expected> unicode = {
-      {run("Plain caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 a{b}\\c", "DejaVu Sans", 14, 0x008000),
+      {{.text = "Plain caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 a{b}\\c",
+        .font = "DejaVu Sans",
+        .size = 14,
+        .color = 0x008000},
        2,
        "Plain caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80 a{b}\\c",
        {"align=\"center\"", "color=\"#008000\"", "DejaVu Sans", "font-size: 14pt"},

@@ -1,15 +1,15 @@
 // StyledText.RTFDataZEL end to end: the built plug-in in the stand-in host, under hosts that take
 // the class extension as such and hosts that get it rewritten into the module.
-#include <algorithm>
+#include <gmock/gmock.h>
+
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "support/files.h"
 #include "support/plugin_fixture.h"
 
 namespace zelhost {
@@ -30,20 +30,9 @@ constexpr const char* kWorkedExample =
     "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fnil Arial;}}{\\colortbl\\red0\\green0\\blue0;"
     "\\red255\\green0\\blue0;}\\uc0 \\b\\f0\\fs24 Hello \\b0\\i\\cf1 World\\par }";
 
-StyledRun styled(std::string text, std::string font, RBInteger size, bool bold, bool italic,
-                 RBColor color) {
-  StyledRun run;
-  run.text = std::move(text);
-  run.font = std::move(font);
-  run.size = size;
-  run.bold = bold;
-  run.italic = italic;
-  run.color = color;
-  return run;
-}
-
-const std::vector<StyledRun> kWorkedRuns = {styled("Hello ", "Arial", 12, true, false, 0),
-                                            styled("World\n", "Arial", 12, false, true, 0xFF0000)};
+const std::vector<StyledRun> kWorkedRuns = {
+    {.text = "Hello ", .font = "Arial", .size = 12, .bold = true},
+    {.text = "World\n", .font = "Arial", .size = 12, .italic = true, .color = 0xFF0000}};
 
 class RtfDataTest : public PluginFixture, public ::testing::WithParamInterface<double> {
  protected:
@@ -73,7 +62,7 @@ TEST_P(RtfDataTest, WritesTheWorkedExampleAndItsVariants) {
   EXPECT_EQ(rtf.encoding(), encoding::kUTF8);
 
   const HostObject centred(
-      zelhost::makeStyledText({styled("Mid", "Arial", 12, false, false, 0)}, {2}));
+      zelhost::makeStyledText({{.text = "Mid", .font = "Arial", .size = 12}}, {2}));
   const auto body = [](const HostString& written) {
     const std::string bytes = written.bytes();
     return bytes.substr(bytes.find("\\uc0 ") + 5);
@@ -83,15 +72,15 @@ TEST_P(RtfDataTest, WritesTheWorkedExampleAndItsVariants) {
 
   const HostObject empty(zelhost::makeStyledText({}));
   EXPECT_EQ(read(empty).get(), nullptr);
-  const HostObject noParagraphs(zelhost::makeStyledText({styled("", "Arial", 12, true, false, 0)}));
+  const HostObject noParagraphs(
+      zelhost::makeStyledText({{.text = "", .font = "Arial", .size = 12, .bold = true}}));
   EXPECT_EQ(read(noParagraphs).get(), nullptr);
   EXPECT_EQ(read(nullptr).get(), nullptr);
 }
 
 TEST_P(RtfDataTest, FontsHandedOverAsUntaggedUtf16AreReadAsUtf16) {
-  StyledRun run = styled("x", "", 0, false, false, 0);
-  run.font = std::string("A\0r\0i\0a\0l\0", 10);
-  run.fontEncoding = encoding::kNone;
+  const StyledRun run{
+      .text = "x", .font = std::string("A\0r\0i\0a\0l\0", 10), .fontEncoding = encoding::kNone};
   const HostObject text(zelhost::makeStyledText({run}));
   EXPECT_EQ(
       read(text).bytes(),
@@ -101,7 +90,7 @@ TEST_P(RtfDataTest, FontsHandedOverAsUntaggedUtf16AreReadAsUtf16) {
 
 TEST_P(RtfDataTest, ReadsTheWorkedExampleAndClearsFirst) {
   const HostObject text(
-      zelhost::makeStyledText({styled("old text\n", "Courier", 9, false, false, 1)}));
+      zelhost::makeStyledText({{.text = "old text\n", .font = "Courier", .size = 9, .color = 1}}));
   assign(text, kWorkedExample);
   std::vector<StyledRun> expected = kWorkedRuns;
   expected[1].text = "World\r";
@@ -127,14 +116,10 @@ TEST_P(RtfDataTest, FallsBackToFontNameWhenTheHostHasNoFont) {
   const auto runs = zelhost::styledRuns(text);
   ASSERT_EQ(runs.size(), 1U);
   EXPECT_EQ(runs[0].font, "Gill Sans");
-  const auto logged = [&](std::string_view line) {
-    return std::find_if(log.begin(), log.end(), [&](const std::string& l) {
-             return l.find(line) != std::string::npos;
-           }) != log.end();
-  };
-  EXPECT_TRUE(logged("ZEL Debug: Failed to set Font property, trying FontName."));
-  EXPECT_TRUE(logged(": Gill Sans"));
-  EXPECT_FALSE(logged("Failed to set FontName property."));
+  using ::testing::Contains, ::testing::HasSubstr, ::testing::Not;
+  EXPECT_THAT(log, Contains(HasSubstr("ZEL Debug: Failed to set Font property, trying FontName.")));
+  EXPECT_THAT(log, Contains(HasSubstr(": Gill Sans")));
+  EXPECT_THAT(log, Not(Contains(HasSubstr("Failed to set FontName property."))));
 }
 
 // ---- round trips
@@ -142,13 +127,18 @@ TEST_P(RtfDataTest, FallsBackToFontNameWhenTheHostHasNoFont) {
 // Non-ASCII and non-BMP text handed over as UTF-8, UTF-16 and Latin-1; what the reader gives back
 // must write out to the very same RTF, so nothing was lost on either side of the adapter.
 std::vector<StyledRun> nonAsciiRuns() {
-  StyledRun wide = styled("", "Times New Roman", 18, false, true, 0x123456);
-  wide.text = std::string("\x2D\x4E!\x00\r\x00", 6);
-  wide.textEncoding = encoding::kUTF16;
-  StyledRun latin1 = styled("caf\xE9", "Arial", 9, false, false, 0);
-  latin1.textEncoding = encoding::kISOLatin1;
-  latin1.underline = true;
-  return {styled("h\xC3\xA9 \xF0\x9F\x98\x80\r\n", "Arial", 12, true, false, 0), wide, latin1};
+  return {{.text = "h\xC3\xA9 \xF0\x9F\x98\x80\r\n", .font = "Arial", .size = 12, .bold = true},
+          {.text = std::string("\x2D\x4E!\x00\r\x00", 6),
+           .textEncoding = encoding::kUTF16,
+           .font = "Times New Roman",
+           .size = 18,
+           .italic = true,
+           .color = 0x123456},
+          {.text = "caf\xE9",
+           .textEncoding = encoding::kISOLatin1,
+           .font = "Arial",
+           .size = 9,
+           .underline = true}};
 }
 
 TEST_P(RtfDataTest, NonAsciiTextSurvivesARoundTrip) {
@@ -197,41 +187,29 @@ INSTANTIATE_TEST_SUITE_P(Hosts, RtfDataTest, ::testing::Values(2012.5, 3000.0, 2
 // ---- zelhost (built only where libffi is)
 #if defined(ZELHOST_PATH)
 
-std::string run(const std::string& arguments) {
-  FILE* pipe = popen((ZELHOST_PATH " --plugin " ZEL_PLUGIN_PATH " " + arguments).c_str(), "r");
-  std::string output;
+std::string output(const std::string& command) {
+  FILE* pipe = popen(command.c_str(), "r");
+  std::string bytes;
   char buffer[4096];
   for (std::size_t got; (got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-    output.append(buffer, got);
-  EXPECT_EQ(pclose(pipe), 0) << arguments;
-  return output;
+    bytes.append(buffer, got);
+  EXPECT_EQ(pclose(pipe), 0) << command;
+  return bytes;
 }
 
-TEST(ZelhostRtfTest, WritesAndReadsFilesInBothRegistrationForms) {
-  const auto folder =
-      std::filesystem::temp_directory_path() /
-      ("zel-rtf-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-  std::filesystem::create_directories(folder);
-  const auto runsFile = (folder / "runs.json").string();
-  const auto rtfFile = (folder / "text.rtf").string();
-  std::ofstream(runsFile)
-      << R"({"runs": [{"text": "Hello ", "font": "Arial", "size": 12, "bold": true},
-                      {"text": "World\n", "font": "Arial", "size": 12, "italic": true, "color": 16711680}],
-             "paragraphs": [{"alignment": 0}]})";
-  std::ofstream(rtfFile, std::ios::binary) << kWorkedExample;
-  const std::string runsJson =
-      R"({"runs": [{"text": "Hello ", "font": "Arial", "size": 12, "bold": true, "italic": false, "underline": false, "color": 0},)"
-      "\n          "
-      R"({"text": "World\r", "font": "Arial", "size": 12, "bold": false, "italic": true, "underline": false, "color": 16711680}],)"
-      "\n "
-      R"("paragraphs": [{"start": 0, "end": 12, "alignment": 0}]})"
-      "\n";
+// zelhost's RTF commands give the reference's example files under both registration forms.
+TEST(ZelhostRtfTest, WritesAndReadsTheReferenceExamplesInBothRegistrationForms) {
+  const std::string examples = ZEL_SOURCE_DIR "/docs/examples/";
   for (const char* version : {"2012.5", "2025.03"}) {
-    const std::string host = std::string("--host-version ") + version + " ";
-    EXPECT_EQ(run(host + "rtf-write " + runsFile), kWorkedExample) << version;
-    EXPECT_EQ(run(host + "rtf-read --json " + rtfFile), runsJson) << version;
+    const std::string zelhost =
+        ZELHOST_PATH " --plugin " ZEL_PLUGIN_PATH " --host-version " + std::string(version);
+    EXPECT_EQ(output(zelhost + " rtf-write " + examples + "runs.json"),
+              fileBytes(examples + "hello.rtf"))
+        << version;
+    EXPECT_EQ(output(zelhost + " rtf-read --json " + examples + "hello.rtf"),
+              fileBytes(examples + "hello_read.json"))
+        << version;
   }
-  std::filesystem::remove_all(folder);
 }
 #endif
 

@@ -66,45 +66,40 @@ struct HeaderCase {
   const char* name;
   std::vector<Run> runs;
   std::string header;  // everything before the body
-
-  friend void PrintTo(const HeaderCase& c, std::ostream* os) { *os << c.name; }
 };
 
-class RtfWriterHeader : public testing::TestWithParam<HeaderCase> {};
+const HeaderCase kHeaderCases[] = {
+    {"NoFontsBlackOnly",
+     {{.text = u"x"}},
+     "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl}{\\colortbl\\red0\\green0\\blue0;}\\uc0 "},
+    {"FirstColourIsIndexZero",
+     {{.text = u"x", .color = 0x123456}, {.text = u"y"}, {.text = u"z", .color = 0x123456}},
+     "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl}{\\colortbl\\red18\\green52\\blue86;"
+     "\\red0\\green0\\blue0;}\\uc0 "},
+    {"FontsByFirstUseNilAndEmptyLeftOut",
+     {{.text = u"a", .font = "Times"},
+      {.text = u"b"},
+      {.text = u"c", .font = ""},
+      {.text = u"d", .font = "Arial"},
+      {.text = u"e", .font = "Times"}},
+     "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fnil Times;}{\\f1\\fnil Arial;}}"
+     "{\\colortbl\\red0\\green0\\blue0;}\\uc0 "},
+    {"FontNamesRawUtf8Unescaped",
+     {{.text = u"a", .font = "\xC3\x84rial {x};"}},
+     "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fnil \xC3\x84rial {x};;}}"
+     "{\\colortbl\\red0\\green0\\blue0;}\\uc0 "},
+    {"ColourComponentsIgnoreHighByte",
+     {{.text = u"a", .color = 0xAB00FF80}},
+     "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl}{\\colortbl\\red0\\green255\\blue128;}"
+     "\\uc0 "}};
 
-TEST_P(RtfWriterHeader, TablesInOrderOfFirstAppearance) {
-  const std::string rtf = writeRtf(records(GetParam().runs));
-  EXPECT_EQ(rtf.substr(0, rtf.find(kBodyStart) + kBodyStart.size()), GetParam().header);
+TEST(RtfWriter, TablesInOrderOfFirstAppearance) {
+  for (const HeaderCase& c : kHeaderCases) {
+    SCOPED_TRACE(c.name);
+    const std::string rtf = writeRtf(records(c.runs));
+    EXPECT_EQ(rtf.substr(0, rtf.find(kBodyStart) + kBodyStart.size()), c.header);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RtfWriterHeader,
-    testing::Values(
-        HeaderCase{"NoFontsBlackOnly",
-                   {{.text = u"x"}},
-                   "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl}{\\colortbl\\red0\\green0\\blue0;}\\uc0 "},
-        HeaderCase{
-            "FirstColourIsIndexZero",
-            {{.text = u"x", .color = 0x123456}, {.text = u"y"}, {.text = u"z", .color = 0x123456}},
-            "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl}{\\colortbl\\red18\\green52\\blue86;"
-            "\\red0\\green0\\blue0;}\\uc0 "},
-        HeaderCase{"FontsByFirstUseNilAndEmptyLeftOut",
-                   {{.text = u"a", .font = "Times"},
-                    {.text = u"b"},
-                    {.text = u"c", .font = ""},
-                    {.text = u"d", .font = "Arial"},
-                    {.text = u"e", .font = "Times"}},
-                   "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fnil Times;}{\\f1\\fnil Arial;}}"
-                   "{\\colortbl\\red0\\green0\\blue0;}\\uc0 "},
-        HeaderCase{"FontNamesRawUtf8Unescaped",
-                   {{.text = u"a", .font = "\xC3\x84rial {x};"}},
-                   "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl{\\f0\\fnil \xC3\x84rial {x};;}}"
-                   "{\\colortbl\\red0\\green0\\blue0;}\\uc0 "},
-        HeaderCase{"ColourComponentsIgnoreHighByte",
-                   {{.text = u"a", .color = 0xAB00FF80}},
-                   "{\\rtf1\\ansi\\ansicpg1252{\\fonttbl}{\\colortbl\\red0\\green255\\blue128;}"
-                   "\\uc0 "}),
-    [](const auto& test) { return test.param.name; });
 
 struct BodyCase {
   BodyCase(const char* caseName, std::vector<Run> input, std::string expected, bool skip = false)
@@ -114,87 +109,80 @@ struct BodyCase {
   std::vector<Run> runs;
   std::string body;
   bool skipParagraphs;
-
-  friend void PrintTo(const BodyCase& c, std::ostream* os) { *os << c.name; }
 };
 
-class RtfWriterBody : public testing::TestWithParam<BodyCase> {};
+const BodyCase kBodyCases[] = {
+    {"PlainRunWritesNoControlWords", {{.text = u"abc"}}, "abc"},
+    {"FirstRunInColourUsesIndexZero", {{.text = u"a", .color = 0xFF}}, "\\cf0 a"},
+    {"BackToBlackWritesItsIndex",
+     {{.text = u"a", .color = 0xFF}, {.text = u"b"}},
+     "\\cf0 a\\cf1 b"},
+    {"SizeOnlyOnChange",
+     {{.text = u"a", .size = 12}, {.text = u"b", .size = 12}, {.text = u"c", .size = 0}},
+     "\\fs24 ab\\fs0 c"},
+    {"NegativeSizeRoundsTowardZero", {{.text = u"a", .size = -3}}, "\\fs-5 a"},
+    {"NilFontKeepsPreviousFont",
+     {{.text = u"a", .font = "Arial"}, {.text = u"b"}, {.text = u"c", .font = "Arial"}},
+     "\\f0 abc"},
+    {"EmptyFontWritesNothing",
+     {{.text = u"a", .font = "Arial"}, {.text = u"b", .font = ""}, {.text = u"c"}},
+     "\\f0 abc"},
+    {"FontSwitchesBackByIndex",
+     {{.text = u"a", .font = "Arial"},
+      {.text = u"b", .font = "Times"},
+      {.text = u"c", .font = "Arial"}},
+     "\\f0 a\\f1 b\\f0 c"},
+    {"TogglesOnAndOff",
+     {{.text = u"a", .bold = true, .italic = true, .underline = true}, {.text = u"b"}},
+     "\\b\\i\\ul a\\b0\\i0\\ul0 b"},
+    {"FixedOrderOfControlWords",
+     {{.text = u"a",
+       .font = "F",
+       .size = 9,
+       .color = 1,
+       .bold = true,
+       .italic = true,
+       .underline = true,
+       .alignment = 3}},
+     "\\qr\\b\\i\\ul\\f0\\cf0\\fs18 a"},
+    {"Alignments",
+     {{.text = u"a", .alignment = 2},
+      {.text = u"b", .alignment = 3},
+      {.text = u"c", .alignment = 1},
+      {.text = u"d", .alignment = 0},
+      {.text = u"e", .alignment = 0},
+      {.text = u"f", .alignment = 7}},
+     "\\qc a\\qr b\\ql c\\ql de\\ql f"},
+    {"SkipParagraphsWritesNoAlignment",
+     {{.text = u"a", .alignment = 2}, {.text = u"b", .alignment = 3}},
+     "ab",
+     true},
+    {"Escapes", {{.text = u"a{b}\\c"}}, "a\\{b\\}\\\\c"},
+    {"UnicodeEscapesUnsignedAndSurrogates",
+     {{.text = u"\u00E9\u20AC\U0001F600\uFFFF\u0080"}},
+     "\\u233 \\u8364 \\u55357 \\u56832 \\u65535 \\u128 "},
+    {"LineBreakPairing",
+     {{.text = u"1\r\n2\n\r3\r\r4\n\n5"}},
+     "1\\par 2\\par 3\\par \\par 4\\par \\par 5"},
+    {"BlankLineInCrLfTextCollapses", {{.text = u"a\r\n\r\nb"}}, "a\\par b"},
+    {"PairingStopsAtRunBoundary", {{.text = u"a\r"}, {.text = u"\nb"}}, "a\\par \\par b"},
+    {"ControlCharactersDroppedOthersRaw",
+     {{.text = std::u16string(u"\x01\x02\x03\x04\x05\x06\x07\x08\t\x0B\x0C\x0E\x7F", 13)},
+      {.text = std::u16string(1, u'\0')}},
+     "\t\x0B\x0C\x0E\x7F"},
+    {"ControlCharacterStillBreaksPairing", {{.text = u"\r\x01\n"}}, "\\par \\par "},
+    {"ControlWordsWithoutTextStillEndWithBlank",
+     {{.text = u"", .bold = true}, {.text = u"x", .bold = true}},
+     "\\b x"}};
 
-TEST_P(RtfWriterBody, WritesChangesAndEscapes) {
-  RtfWriteOptions options;
-  options.skipParagraphs = GetParam().skipParagraphs;
-  EXPECT_EQ(body(writeRtf(records(GetParam().runs), options)), GetParam().body);
+TEST(RtfWriter, WritesChangesAndEscapes) {
+  for (const BodyCase& c : kBodyCases) {
+    SCOPED_TRACE(c.name);
+    RtfWriteOptions options;
+    options.skipParagraphs = c.skipParagraphs;
+    EXPECT_EQ(body(writeRtf(records(c.runs), options)), c.body);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RtfWriterBody,
-    testing::Values(
-        BodyCase{"PlainRunWritesNoControlWords", {{.text = u"abc"}}, "abc"},
-        BodyCase{"FirstRunInColourUsesIndexZero", {{.text = u"a", .color = 0xFF}}, "\\cf0 a"},
-        BodyCase{"BackToBlackWritesItsIndex",
-                 {{.text = u"a", .color = 0xFF}, {.text = u"b"}},
-                 "\\cf0 a\\cf1 b"},
-        BodyCase{
-            "SizeOnlyOnChange",
-            {{.text = u"a", .size = 12}, {.text = u"b", .size = 12}, {.text = u"c", .size = 0}},
-            "\\fs24 ab\\fs0 c"},
-        BodyCase{"NegativeSizeRoundsTowardZero", {{.text = u"a", .size = -3}}, "\\fs-5 a"},
-        BodyCase{"NilFontKeepsPreviousFont",
-                 {{.text = u"a", .font = "Arial"}, {.text = u"b"}, {.text = u"c", .font = "Arial"}},
-                 "\\f0 abc"},
-        BodyCase{"EmptyFontWritesNothing",
-                 {{.text = u"a", .font = "Arial"}, {.text = u"b", .font = ""}, {.text = u"c"}},
-                 "\\f0 abc"},
-        BodyCase{"FontSwitchesBackByIndex",
-                 {{.text = u"a", .font = "Arial"},
-                  {.text = u"b", .font = "Times"},
-                  {.text = u"c", .font = "Arial"}},
-                 "\\f0 a\\f1 b\\f0 c"},
-        BodyCase{"TogglesOnAndOff",
-                 {{.text = u"a", .bold = true, .italic = true, .underline = true}, {.text = u"b"}},
-                 "\\b\\i\\ul a\\b0\\i0\\ul0 b"},
-        BodyCase{"FixedOrderOfControlWords",
-                 {{.text = u"a",
-                   .font = "F",
-                   .size = 9,
-                   .color = 1,
-                   .bold = true,
-                   .italic = true,
-                   .underline = true,
-                   .alignment = 3}},
-                 "\\qr\\b\\i\\ul\\f0\\cf0\\fs18 a"},
-        BodyCase{"Alignments",
-                 {{.text = u"a", .alignment = 2},
-                  {.text = u"b", .alignment = 3},
-                  {.text = u"c", .alignment = 1},
-                  {.text = u"d", .alignment = 0},
-                  {.text = u"e", .alignment = 0},
-                  {.text = u"f", .alignment = 7}},
-                 "\\qc a\\qr b\\ql c\\ql de\\ql f"},
-        BodyCase{"SkipParagraphsWritesNoAlignment",
-                 {{.text = u"a", .alignment = 2}, {.text = u"b", .alignment = 3}},
-                 "ab",
-                 true},
-        BodyCase{"Escapes", {{.text = u"a{b}\\c"}}, "a\\{b\\}\\\\c"},
-        BodyCase{"UnicodeEscapesUnsignedAndSurrogates",
-                 {{.text = u"\u00E9\u20AC\U0001F600\uFFFF\u0080"}},
-                 "\\u233 \\u8364 \\u55357 \\u56832 \\u65535 \\u128 "},
-        BodyCase{"LineBreakPairing",
-                 {{.text = u"1\r\n2\n\r3\r\r4\n\n5"}},
-                 "1\\par 2\\par 3\\par \\par 4\\par \\par 5"},
-        BodyCase{"BlankLineInCrLfTextCollapses", {{.text = u"a\r\n\r\nb"}}, "a\\par b"},
-        BodyCase{
-            "PairingStopsAtRunBoundary", {{.text = u"a\r"}, {.text = u"\nb"}}, "a\\par \\par b"},
-        BodyCase{
-            "ControlCharactersDroppedOthersRaw",
-            {{.text = std::u16string(u"\x01\x02\x03\x04\x05\x06\x07\x08\t\x0B\x0C\x0E\x7F", 13)},
-             {.text = std::u16string(1, u'\0')}},
-            "\t\x0B\x0C\x0E\x7F"},
-        BodyCase{"ControlCharacterStillBreaksPairing", {{.text = u"\r\x01\n"}}, "\\par \\par "},
-        BodyCase{"ControlWordsWithoutTextStillEndWithBlank",
-                 {{.text = u"", .bold = true}, {.text = u"x", .bold = true}},
-                 "\\b x"}),
-    [](const auto& test) { return test.param.name; });
 
 // The host compares font names its own way; a name it calls equal writes no new "\f".
 TEST(RtfWriter, FontComparisonIsTheCallers) {

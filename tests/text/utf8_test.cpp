@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -12,6 +13,7 @@
 namespace zel::text {
 namespace {
 
+using namespace std::string_view_literals;
 using Bytes = std::vector<std::uint8_t>;
 
 Bytes bytesOf(std::string_view text) {
@@ -106,13 +108,45 @@ INSTANTIATE_TEST_SUITE_P(Paths, Utf8OnEachPath,
                                                                  supportedSimdPaths().end())),
                          [](const auto& path) { return std::string(simdPathName(path.param)); });
 
-TEST_P(Utf8OnEachPath, EveryInputOfOneAndTwoBytes) {
-  for (unsigned first = 0; first < 0x100; ++first) {
-    expectLikeReference({static_cast<std::uint8_t>(first)});
-    for (unsigned second = 0; second < 0x100; ++second) {
-      const Bytes bytes = {static_cast<std::uint8_t>(first), static_cast<std::uint8_t>(second)};
+// `bytes` inside ASCII, where a vector path reads them across two 16-byte lanes.
+Bytes acrossLanes(const Bytes& bytes) {
+  constexpr std::size_t kAt = 14, kSize = 32;
+  Bytes padded(kSize, 'a');
+  std::copy(bytes.begin(), bytes.end(), padded.begin() + kAt);
+  return padded;
+}
+
+// Each input alone and across lanes. Inputs that start with ASCII are the shorter inputs again,
+// and three bytes that start with a stray continuation byte end at that byte.
+TEST_P(Utf8OnEachPath, AgreesWithTheReferenceOnEveryInputUpToThreeBytes) {
+  constexpr std::uint8_t kFirstLead = 0xC0;
+  for (std::size_t length = 1; length <= 3; ++length) {
+    for (std::uint32_t n = 0; n < 1u << (8 * length); ++n) {
+      if (length == 3 && (n & 0xFF) < kFirstLead) continue;
+      Bytes bytes(length);
+      for (std::size_t k = 0; k < length; ++k) bytes[k] = static_cast<std::uint8_t>(n >> (8 * k));
       expectLikeReference(bytes);
+      if (bytes[0] >= 0x80) expectLikeReference(acrossLanes(bytes));
       if (testing::Test::HasFatalFailure()) return;
+    }
+  }
+}
+
+// Every lead byte before the edges of the trailing-byte ranges, ASCII that must not be swallowed
+// and other leads: cut after four bytes, and whole across lanes.
+TEST_P(Utf8OnEachPath, AgreesWithTheReferenceForEveryLeadOfLongerSequences) {
+  constexpr std::uint8_t kSamples[] = {0x00, 0x22, 0x3C, 0x41, 0x7F, 0x80, 0x8F, 0x90, 0x9F,
+                                       0xA0, 0xBF, 0xC0, 0xC2, 0xE0, 0xED, 0xF4, 0xF8, 0xFF};
+  for (unsigned lead = 0; lead < 0x100; ++lead) {
+    for (const std::uint8_t b1 : kSamples) {
+      for (const std::uint8_t b2 : kSamples) {
+        for (const std::uint8_t b3 : kSamples) {
+          const Bytes input = {static_cast<std::uint8_t>(lead), b1, b2, b3, 0x80, 'z'};
+          expectLikeReference(Bytes(input.begin(), input.begin() + 4));
+          expectLikeReference(acrossLanes(input));
+          if (testing::Test::HasFatalFailure()) return;
+        }
+      }
     }
   }
 }
@@ -139,35 +173,16 @@ TEST_P(Utf8OnEachPath, EveryCodePointRoundTrips) {
 }
 
 // The pieces random inputs are made of: every kind of well-formed and malformed sequence.
-const std::vector<std::string_view> kPieces = {"a",
-                                               "plain ascii text that spans vector blocks ",
-                                               "\x7F",
-                                               std::string_view("\0", 1),
-                                               "\xC3\xA9",
-                                               "\xDF\xBF",
-                                               "\xE2\x82\xAC",
-                                               "\xEF\xBB\xBF",
-                                               "\xEF\xBF\xBE",
-                                               "\xEF\xBF\xBD",
-                                               "\xF0\x9F\x98\x80",
-                                               "\xF4\x8F\xBF\xBF",
-                                               "\x80",
-                                               "\xBF",
-                                               "\xC0\x80",
-                                               "\xC1\xBF",
-                                               "\xE0\x9F\xBF",
-                                               "\xED\xA0\x80",
-                                               "\xED\xBF\xBF",
-                                               "\xF0\x8F\xBF\xBF",
-                                               "\xF4\x90\x80\x80",
-                                               "\xF5\x80\x80\x80",
-                                               "\xF8\x88\x80\x80\x80",
-                                               "\xFF",
-                                               "\xC3",
-                                               "\xE2\x82",
-                                               "\xF0\x9F\x98",
-                                               "\xE2\x28\xA1",
-                                               "\xF0\x9F\x28\x80"};
+constexpr std::size_t kWellFormedPieces = 12;
+const std::string_view kPieces[] = {
+    // Well-formed:
+    "a", "plain ascii text that spans vector blocks ", "\x7F", "\0"sv, "\xC3\xA9", "\xDF\xBF",
+    "\xE2\x82\xAC", "\xEF\xBB\xBF", "\xEF\xBF\xBE", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80",
+    "\xF4\x8F\xBF\xBF",
+    // Malformed: stray, overlong, surrogate, beyond U+10FFFF, cut off, bad trailing bytes.
+    "\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",
+    "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF",
+    "\xC3", "\xE2\x82", "\xF0\x9F\x98", "\xE2\x28\xA1", "\xF0\x9F\x28\x80"};
 
 TEST_P(Utf8OnEachPath, RandomMixesOfEveryLengthUpTo200) {
   std::mt19937 random(2026);
@@ -176,8 +191,8 @@ TEST_P(Utf8OnEachPath, RandomMixesOfEveryLengthUpTo200) {
       // Mostly well-formed pieces, so that errors sit at every depth.
       std::string text;
       while (text.size() < length) {
-        const std::size_t pick = random() % kPieces.size();
-        text += kPieces[random() % 4 == 0 ? pick : pick % 12];
+        const std::size_t pick = random() % std::size(kPieces);
+        text += kPieces[random() % 4 == 0 ? pick : pick % kWellFormedPieces];
       }
       text.resize(length);
       expectLikeReference(bytesOf(text));
@@ -188,7 +203,8 @@ TEST_P(Utf8OnEachPath, RandomMixesOfEveryLengthUpTo200) {
 
 TEST_P(Utf8OnEachPath, EveryErrorPositionAndTruncation) {
   std::string valid;
-  for (int i = 0; valid.size() < 200; ++i) valid += kPieces[static_cast<std::size_t>(i * 7) % 12];
+  for (int i = 0; valid.size() < 200; ++i)
+    valid += kPieces[static_cast<std::size_t>(i * 7) % kWellFormedPieces];
   const Bytes clean = bytesOf(valid);
   for (std::size_t at = 0; at <= clean.size(); ++at) {
     expectLikeReference(Bytes(clean.begin(), clean.begin() + static_cast<std::ptrdiff_t>(at)));
