@@ -72,7 +72,8 @@ std::string codePoints(std::string_view utf8) {
   for (const char32_t c : detail::decodeText(utf8, encoding::kUTF8)) {
     std::array<char, 16> name{};
     std::snprintf(name.data(), name.size(), "U+%04X", static_cast<unsigned>(c));
-    text += (text.empty() ? "" : " ") + std::string(name.data());
+    if (!text.empty()) text += ' ';
+    text += name.data();
   }
   return text;
 }

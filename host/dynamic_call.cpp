@@ -329,7 +329,8 @@ Described describeArray(REALobject array) {
   for (std::size_t i = 0; i < data->items.size(); ++i) {
     const Described element = describeString(data->items[i]);
     out.json.push_back(element.json);
-    out.text += (i == 0 ? "" : "\n") + ("[" + std::to_string(i) + "] ") + element.text;
+    if (i > 0) out.text += '\n';
+    out.text.append("[").append(std::to_string(i)).append("] ").append(element.text);
   }
   return out;
 }

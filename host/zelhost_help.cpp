@@ -73,8 +73,10 @@ void appendRow(std::string& text, std::string_view left, std::string_view right,
 
 std::string commandColumn(const Command& command) {
   std::string text(command.name);
-  for (const std::string_view option : command.options) text += " [" + std::string(option) + "]";
-  if (!command.operands.empty()) text += " " + std::string(command.operands);
+  for (const std::string_view option : command.options) {
+    text.append(" [").append(option).append("]");
+  }
+  if (!command.operands.empty()) text.append(" ").append(command.operands);
   return text;
 }
 

@@ -93,6 +93,12 @@ std::function<Work(std::size_t)> onUtf16(std::u16string unit, Kernel kernel) {
     return [input = repeat<char16_t>(unit, n), kernel] { benchmark::DoNotOptimize(kernel(input)); };
   };
 }
+// `head`, then `count` copies of `fill`.
+std::u32string padded(std::u32string_view head, std::size_t count, char32_t fill) {
+  std::u32string text(head);
+  text.append(count, fill);
+  return text;
+}
 // A UTF-32 text of n / 4 code points (n bytes).
 template <class Kernel>
 std::function<Work(std::size_t)> onUtf32(std::u32string unit, Kernel kernel) {
@@ -157,19 +163,19 @@ const std::vector<Case> kCases = {
     {"DecodeEntitiesAllAmpersands", onUtf32(U"&", decodeEntities)},
     {"DecodeEntitiesLongName",
      [](std::size_t n) -> Work {
-       return [text = U"&" + std::u32string(n / 4, U'a')] {
+       return [text = padded(U"&", n / 4, U'a')] {
          benchmark::DoNotOptimize(decodeEntities(text));
        };
      }},
     {"DecodeEntitiesLongNumber",
      [](std::size_t n) -> Work {
-       return [text = U"&#" + std::u32string(n / 4, U'9')] {
+       return [text = padded(U"&#", n / 4, U'9')] {
          benchmark::DoNotOptimize(decodeEntities(text));
        };
      }},
     {"DecodeEntitiesLongHex",
      [](std::size_t n) -> Work {
-       return [text = U"&#x" + std::u32string(n / 4, U'f')] {
+       return [text = padded(U"&#x", n / 4, U'f')] {
          benchmark::DoNotOptimize(decodeEntities(text));
        };
      }},
