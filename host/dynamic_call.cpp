@@ -1,6 +1,5 @@
 #include "dynamic_call.h"
 
-#include <ffi.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -335,42 +334,41 @@ Described describeArray(REALobject array) {
   return out;
 }
 
-Described describeResult(CType type, const ffi_arg& raw, double real) {
-  const auto pointer = reinterpret_cast<void*>(static_cast<std::uintptr_t>(raw));
+Described describeResult(CType type, const detail::ArgumentValue& value) {
   switch (type) {
     case CType::Void:
       return {nullptr, ""};
     case CType::Integer:
-      return {static_cast<RBInteger>(raw), std::to_string(static_cast<RBInteger>(raw))};
+      return {value.integer, std::to_string(value.integer)};
     case CType::Color:
-      return {static_cast<std::uint32_t>(raw), std::to_string(static_cast<std::uint32_t>(raw))};
+      return {value.color, std::to_string(value.color)};
     case CType::Boolean: {
-      const bool value = static_cast<std::int8_t>(raw) != 0;
-      return {value, value ? "true" : "false"};
+      const bool set = value.boolean != 0;
+      return {set, set ? "true" : "false"};
     }
     case CType::Double:
-      return {real, jsonText(real)};
+      return {value.real, jsonText(value.real)};
     case CType::Ptr: {
-      const auto address = reinterpret_cast<std::uintptr_t>(pointer);
+      const auto address = reinterpret_cast<std::uintptr_t>(value.pointer);
       return {address, std::to_string(address)};
     }
     case CType::String:
-      return describeString(static_cast<REALstring>(pointer));
+      return describeString(static_cast<REALstring>(value.pointer));
     case CType::Object: {
-      if (pointer == nullptr) return {nullptr, "nil"};
-      const std::string hex = hexOf(memoryBlockBytes(static_cast<REALobject>(pointer)));
+      if (value.pointer == nullptr) return {nullptr, "nil"};
+      const std::string hex = hexOf(memoryBlockBytes(static_cast<REALobject>(value.pointer)));
       return {Json{{"hex", hex}}, std::string(kMemoryForm) + hex};
     }
     case CType::Array:
-      return describeArray(static_cast<REALobject>(pointer));
+      return describeArray(static_cast<REALobject>(value.pointer));
   }
   return {nullptr, ""};
 }
 
-void releaseValue(CType type, void* pointer) {
-  if (pointer == nullptr) return;
-  if (type == CType::String) release(static_cast<REALstring>(pointer));
-  if (type == CType::Object || type == CType::Array) release(static_cast<REALobject>(pointer));
+void releaseResult(CType type, const detail::ArgumentValue& value) {
+  if (type == CType::String) release(static_cast<REALstring>(value.pointer));
+  if (type == CType::Object || type == CType::Array)
+    release(static_cast<REALobject>(value.pointer));
 }
 
 }  // namespace
@@ -394,37 +392,23 @@ CallOutcome callDynamic(std::string_view name, const std::vector<std::string>& a
   }
   const LiveCounts before = liveCounts();
   std::vector<Argument> arguments;
-  arguments.reserve(choice.args.size());
-  std::vector<ffi_type*> types;
-  std::vector<void*> values;
+  std::vector<CType> types;
+  std::vector<detail::ArgumentValue> values;
   for (std::size_t i = 0; i < choice.args.size(); ++i) {
     arguments.push_back(makeArgument(member.parsed.parameters[i], choice.args[i]));
-    types.push_back(detail::ffiType(*signature.parameters[i]));
-    values.push_back(&arguments.back().value);
+    types.push_back(*signature.parameters[i]);
+    values.push_back(arguments.back().value);
   }
-  ffi_cif cif{};
-  if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()),
-                   detail::ffiType(*signature.result), types.data()) != FFI_OK) {
-    throw std::invalid_argument("cannot build a call to " + member.declaration);
-  }
-  union {
-    ffi_arg integer;
-    double real;
-  } result{};
-  ffi_call(&cif, reinterpret_cast<void (*)()>(member.function), &result, values.data());
+  const detail::ArgumentValue result = detail::callThroughFfi(
+      reinterpret_cast<void (*)()>(member.function), *signature.result, types, values);
 
   CallOutcome outcome;
   outcome.declaration = member.declaration;
-  const bool real = *signature.result == CType::Double;
-  const Described described =
-      describeResult(*signature.result, real ? ffi_arg{} : result.integer, real ? result.real : 0);
+  const Described described = describeResult(*signature.result, result);
   outcome.result = described.json;
   outcome.resultText = described.text;
   outcome.exception = takeRaisedException();
-  if (!real) {
-    releaseValue(*signature.result,
-                 reinterpret_cast<void*>(static_cast<std::uintptr_t>(result.integer)));
-  }
+  releaseResult(*signature.result, result);
   for (const Argument& argument : arguments) {
     release(argument.string);
     release(argument.object);

@@ -1,7 +1,9 @@
-// The libffi types of the C parameters and results that the host's calling convention uses.
+// Calls through libffi with the C parameter and result types of the host's calling convention.
 #pragma once
 
 #include <ffi.h>
+
+#include <span>
 
 #include "stand_in_host_call.h"
 
@@ -17,5 +19,10 @@ union ArgumentValue {
   double real;
   RBColor color;
 };
+
+// Calls `function` with `values[i]` as an argument of type `parameters[i]` and gives the result in
+// the member of its type. Throws std::invalid_argument when libffi cannot describe the call.
+ArgumentValue callThroughFfi(void (*function)(), CType result, std::span<const CType> parameters,
+                             std::span<ArgumentValue> values);
 
 }  // namespace zelhost::detail

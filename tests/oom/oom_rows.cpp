@@ -6,6 +6,7 @@
 #include <regex>
 #include <string_view>
 
+#include "dynamic_call.h"
 #include "stand_in_host.h"
 #include "support/call_helpers.h"
 #include "support/plugin_fixture.h"
@@ -14,6 +15,7 @@ namespace zeltest::oom {
 namespace {
 
 using nlohmann::json;
+using zelhost::hexOf;
 
 // ---- what each family documents ------------------------------------------------------------
 
@@ -36,16 +38,6 @@ const OnFailure kStyledTextWrite{false, {kBadAlloc}, false, true, false};
 
 // ---- inputs --------------------------------------------------------------------------------
 
-std::string hex(std::string_view bytes) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  for (const unsigned char byte : bytes) {
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 0xF];
-  }
-  return text;
-}
-
 std::string repeated(std::string_view piece, std::size_t times) {
   std::string text;
   for (std::size_t i = 0; i < times; ++i) text += piece;
@@ -57,7 +49,7 @@ struct Input {
   std::string label;
   std::string bytes;
   std::string form;  // "text:", "hex:" or "hex/ENC:"
-  std::string arg() const { return form == "text:" ? form + bytes : form + hex(bytes); }
+  std::string arg() const { return form == "text:" ? form + bytes : form + hexOf(bytes); }
 };
 
 const std::string kShortAscii = "Hello, <b>World</b> & \"friends\"\r\nline two\t'x' %41=3D";
@@ -264,9 +256,9 @@ std::vector<std::string> expandArgs(const std::vector<std::string>& args, const 
     if (arg == "$T") {
       expanded.push_back(input->arg());
     } else if (arg == "$M") {
-      expanded.push_back("mem:" + hex(input->bytes));
+      expanded.push_back("mem:" + hexOf(input->bytes));
     } else if (arg == "$P") {
-      expanded.push_back("ptr:" + hex(input->bytes));
+      expanded.push_back("ptr:" + hexOf(input->bytes));
     } else if (arg == "$N") {
       expanded.push_back(std::to_string(input->bytes.size()));
     } else {
@@ -313,7 +305,7 @@ Row functionRow(const FunctionCase& functionCase, const Input* input) {
 
 json stringResult(REALstring s) {
   if (s == nullptr) return nullptr;
-  return {{"encoding", zelhost::stringEncoding(s)}, {"hex", hex(zelhost::stringBytes(s))}};
+  return {{"encoding", zelhost::stringEncoding(s)}, {"hex", hexOf(zelhost::stringBytes(s))}};
 }
 
 json raisedException() {
@@ -325,7 +317,7 @@ json raisedException() {
 json styledTextContent(REALobject styledText) {
   json runs = json::array();
   for (const zelhost::StyledRun& run : zelhost::styledRuns(styledText)) {
-    runs.push_back({hex(run.text), run.textEncoding, run.font ? json(hex(*run.font)) : json(),
+    runs.push_back({hexOf(run.text), run.textEncoding, run.font ? json(hexOf(*run.font)) : json(),
                     run.size, run.bold, run.italic, run.underline, run.color});
   }
   json paragraphs = json::array();

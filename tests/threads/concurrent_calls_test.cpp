@@ -1,12 +1,10 @@
 // Every registered global function and StyledText.RTFDataZEL, called from eight threads at once on
 // shared host strings, blocks and objects: every result must equal the one a lone thread got.
-#include <ffi.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -182,28 +180,7 @@ class SharedCall {
           zelhost::makeString(zelhost::stringBytes(shared), zelhost::stringEncoding(shared)));
       values[i].pointer = copies.back();
     }
-    std::vector<ffi_type*> types;
-    std::vector<void*> addresses;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      types.push_back(zelhost::detail::ffiType(parameters_[i]));
-      addresses.push_back(&values[i]);
-    }
-    ffi_cif cif{};
-    if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()),
-                     zelhost::detail::ffiType(result_), types.data()) != FFI_OK) {
-      return "no call";
-    }
-    union {
-      ffi_arg integer;
-      double real;
-    } raw{};
-    ffi_call(&cif, function_, &raw, addresses.data());
-    Value result{};
-    if (result_ == CType::Double) {
-      result.real = raw.real;
-    } else {
-      std::memcpy(&result, &raw.integer, sizeof result);
-    }
+    const Value result = zelhost::detail::callThroughFfi(function_, result_, parameters_, values);
     for (const REALstring copy : copies) zelhost::release(copy);
     return describeResult(result_, result, lengthOnly_);
   }
