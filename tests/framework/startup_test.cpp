@@ -1,5 +1,5 @@
 // Start-up of the built library under the stand-in host: version, SDK level, the debug switch,
-// the loading line, and the library's single export.
+// and the loading line.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -8,7 +8,6 @@
 
 #include "stand_in_host.h"
 #include "support/environment.h"
-#include "support/library_exports.h"
 
 namespace {
 
@@ -56,17 +55,5 @@ TEST(Startup, LoadingLineOnlyInTheIdeWithTheSwitchOn) {
         << (off ? off : "unset");
   EXPECT_THAT(loadWithDebugSwitch("1", true), Not(Contains(kLoadingLine)));
 }
-
-TEST(Library, ExportsOnlyTheEntryPoint) {
-  EXPECT_THAT(zeltest::exportedSymbols(ZEL_PLUGIN_PATH), ElementsAre("REALPluginMain"));
-}
-
-#if defined(_WIN32)
-// Users' applications ship the DLL alone: it may need nothing beyond the system and msvcrt.
-TEST(Library, ImportsOnlySystemLibraries) {
-  EXPECT_THAT(zeltest::importedLibraries(ZEL_PLUGIN_PATH),
-              ::testing::UnorderedElementsAre("kernel32.dll", "msvcrt.dll"));
-}
-#endif
 
 }  // namespace
