@@ -95,8 +95,9 @@ def call_matches(example, reply):
 def run_calls(zelhost, calls):
     requests = "".join(json.dumps({"name": e.command[1], "args": e.command[2:]}) + "\n"
                        for e in calls)
+    # One reply per line; splitlines() would also cut at U+2028 inside a reply's text.
     output = subprocess.run([*zelhost, "batch"], input=requests, capture_output=True, text=True,
-                            check=False).stdout.splitlines()
+                            check=False).stdout.split("\n")[:-1]
     if len(output) != len(calls):
         raise SystemExit(f"zelhost batch answered {len(output)} of {len(calls)} calls")
     return [json.loads(line) for line in output]

@@ -203,7 +203,9 @@ TEST(EmailSubjectKernel, PlainTextStaysAndOtherTextBecomesOneWord) {
                                "e a_b"),
             "=?utf-8?Q?Gr=C3=BC=C3=9Fe_a=5Fb?=");
   EXPECT_EQ(encodeEmailSubject("a=b?\x01"), "=?utf-8?Q?a=3Db?\x01?=");
-  const auto longSubject = encodeEmailSubject(std::string(300, 'a') + "\t");
+  std::string tabbed(300, 'a');
+  tabbed += '\t';
+  const auto longSubject = encodeEmailSubject(tabbed);
   ASSERT_TRUE(longSubject);
   EXPECT_EQ(longSubject->size(), 10U + 301U + 2U);  // never folded
 }
