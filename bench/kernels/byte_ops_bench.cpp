@@ -88,4 +88,13 @@ void BM_PositionOfSignedByteInRangesOrSet(benchmark::State& state) {
 }
 BENCHMARK(BM_PositionOfSignedByteInRangesOrSet)->Arg(kShort)->Arg(kLarge);
 
+// Every byte passes each mode, so each test reads to the end.
+void BM_IsAscii(benchmark::State& state) {
+  const auto size = static_cast<std::size_t>(state.range(0));
+  const std::string text(size, 'a');
+  for (auto _ : state) benchmark::DoNotOptimize(zel::strings::isAscii(text, state.range(1)));
+  setBytes(state, size);
+}
+BENCHMARK(BM_IsAscii)->ArgsProduct({{kShort, kLarge}, {0, 1, 2}});
+
 }  // namespace

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "base/out_of_memory_error.h"
+#include "strings/byte_set_search.h"
 #include "text/utf8.h"
 
 namespace zel::strings {
@@ -86,13 +87,24 @@ constexpr std::array<char, 256> kPositionBytes = [] {
   return positions;
 }();
 
-using ByteSet = std::array<bool, 256>;
-
 std::int64_t positionOfMember(std::string_view target, const ByteSet& members) {
-  const auto found =
-      std::find_if(target.begin(), target.end(), [&](char c) { return members[byteOf(c)]; });
-  return found == target.end() ? 0 : found - target.begin() + 1;
+  const std::size_t found = findByteInSet(target, members);
+  return found == target.size() ? 0 : static_cast<std::int64_t>(found) + 1;
 }
+
+// The bytes that fail each mode of isAscii, for modes 1 and 2.
+constexpr ByteSet kOutsidePrintable = [] {
+  ByteSet members{};
+  for (std::size_t value = 0; value < members.size(); ++value) {
+    members[value] = value < 32 || value > 127;
+  }
+  return members;
+}();
+constexpr ByteSet kControl = [] {
+  ByteSet members{};
+  for (std::size_t value = 0; value < 32; ++value) members[value] = true;
+  return members;
+}();
 
 // Marks the byte values whose reading (unsigned or signed) lies inside a range.
 template <typename Reading>
@@ -229,17 +241,14 @@ bool isAscii(std::string_view bytes) {
 
 bool isAscii(std::string_view bytes, std::int64_t mode) {
   if (bytes.empty()) return false;
-  auto all = [&](auto test) {
-    return std::all_of(bytes.begin(), bytes.end(), [&](char c) { return test(byteOf(c)); });
-  };
   switch (mode) {
     case 0:
       return text::asciiPrefixLength({reinterpret_cast<const std::uint8_t*>(bytes.data()),
                                       bytes.size()}) == bytes.size();
     case 1:
-      return all([](unsigned char c) { return c >= 32 && c <= 127; });
+      return findByteInSet(bytes, kOutsidePrintable) == bytes.size();
     case 2:
-      return all([](unsigned char c) { return c >= 32; });
+      return findByteInSet(bytes, kControl) == bytes.size();
     default:
       return false;
   }

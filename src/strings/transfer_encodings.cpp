@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "strings/transfer_encoding_tables.h"
+#include "text/hex_codec.h"
 
 namespace zel::strings {
 
@@ -110,17 +111,13 @@ class QuotedPrintableWriter {
 
 std::string encodeHex(std::string_view bytes) {
   std::string out(bytes.size() * 2, '\0');
-  char* cursor = out.data();
-  for (const char c : bytes) cursor = writeHexPair(cursor, c);
+  text::encodeHex(bytes, out.data());
   return out;
 }
 
 std::string decodeHex(std::string_view asciiText) {
   std::string out(asciiText.size() / 2, '\0');
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    out[i] = static_cast<char>(hexValueOrZero(asciiText[2 * i]) * 16 +
-                               hexValueOrZero(asciiText[2 * i + 1]));
-  }
+  text::decodeHex(asciiText, out.data());
   return out;
 }
 

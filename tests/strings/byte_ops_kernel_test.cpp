@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <random>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "strings/kernel_test_support.h"
+#include "text/simd_path.h"
 
 namespace zel::strings {
 namespace {
@@ -129,6 +131,112 @@ TEST(ByteSearchKernel, ByteSetAndRanges) {
   EXPECT_EQ(positionOfSignedByteInRangesOrSet("\xC8", "", negative), 1);
   EXPECT_EQ(positionOfSignedByteInRangesOrSet("ab\xC8", "\xC8", highBytes), 3);
   EXPECT_EQ(positionOfSignedByteInRangesOrSet("abcX9", "c", three), 3);
+}
+
+// Runs each case once on every vector path this processor offers.
+class ByteSearchOnEachPath : public testing::TestWithParam<text::SimdPath> {
+ protected:
+  void SetUp() override { text::forceSimdPath(GetParam()); }
+  void TearDown() override { text::forceSimdPath(text::supportedSimdPaths().back()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Paths, ByteSearchOnEachPath,
+    testing::ValuesIn(std::vector<text::SimdPath>(text::supportedSimdPaths().begin(),
+                                                  text::supportedSimdPaths().end())),
+    [](const auto& path) { return std::string(text::simdPathName(path.param)); });
+
+// A member at every position of every length up to 200, among random bytes that are not members
+// (the values next to each range included); also behind a long lead, which the vector loops read.
+constexpr std::size_t kLongLead = 1024;
+constexpr std::size_t kLongestShort = 200;
+
+// 0 to kLongestShort bytes, alone and after kLongLead bytes.
+std::vector<std::size_t> lengthsToTry() {
+  std::vector<std::size_t> lengths;
+  for (const std::size_t lead : {std::size_t{0}, kLongLead}) {
+    for (std::size_t length = 0; length <= kLongestShort; ++length)
+      lengths.push_back(lead + length);
+  }
+  return lengths;
+}
+
+// Where a planted byte goes: every position of a short length, every position after the lead.
+std::size_t firstPlantedPosition(std::size_t length) {
+  return length > kLongestShort ? kLongLead : 0;
+}
+
+TEST_P(ByteSearchOnEachPath, FirstMemberAtEveryPositionOfEveryLength) {
+  using Text = std::string_view;
+  struct Case {
+    const char* name;
+    std::function<std::int64_t(Text)> find;
+    std::function<bool(int)> isMember;
+  };
+  const auto in = [](Text set) {
+    return [=](int b) { return set.find(static_cast<char>(b)) != Text::npos; };
+  };
+  const std::vector<Case> cases = {
+      {"five bytes", [](Text t) { return positionOfAnyByte(t, "#$%{}"); }, in("#$%{}")},
+      {"more runs than are compared at once",
+       [](Text t) { return positionOfAnyByte(t, "acegikmoqs"); }, in("acegikmoqs")},
+      {"controls and high bytes",
+       [](Text t) {
+         return positionOfByteInRanges(t, std::vector<ByteRange>{{0, 9}, {128, 255}});
+       },
+       [](int b) { return b <= 9 || b >= 128; }},
+      {"both ends",
+       [](Text t) {
+         return positionOfByteInRanges(t, std::vector<ByteRange>{{0, 0}, {255, 255}});
+       },
+       [](int b) { return b == 0 || b == 255; }},
+      {"signed ranges and a set",
+       [](Text t) {
+         const std::vector<ByteRange> ranges = {{'0', '9'}, {'A', 'F'}, {-3, 2}};
+         return positionOfSignedByteInRangesOrSet(t, "\x7F", ranges);
+       },
+       [](int b) {
+         return (b >= '0' && b <= '9') || (b >= 'A' && b <= 'F') || b >= 253 || b <= 2 || b == 127;
+       }}};
+  std::mt19937 random(2026);
+  for (const auto& c : cases) {
+    std::string members, others;
+    for (int value = 0; value < 256; ++value)
+      (c.isMember(value) ? members : others) += static_cast<char>(value);
+    for (const std::size_t length : lengthsToTry()) {
+      std::string target(length, '\0');
+      for (auto& b : target) b = others[random() % others.size()];
+      ASSERT_EQ(c.find(ExactBytes(target)), 0) << c.name << ' ' << length;
+      for (std::size_t at = firstPlantedPosition(length); at < length; ++at) {
+        std::string planted = target;
+        planted[at] = members[random() % members.size()];
+        ASSERT_EQ(c.find(ExactBytes(planted)), static_cast<std::int64_t>(at) + 1)
+            << c.name << ' ' << length;
+      }
+    }
+  }
+}
+
+TEST_P(ByteSearchOnEachPath, AsciiModesFindTheOneBadByteAnywhere) {
+  struct Case {
+    std::int64_t mode;
+    std::string bad;  // each fails the mode; every other byte of the filler passes
+  };
+  const std::vector<Case> cases = {{0, "\x80\xFF"}, {1, "\0\x1F\x80\xFF"s}, {2, "\0\t\x1F"s}};
+  for (const auto& c : cases) {
+    for (const std::size_t length : lengthsToTry()) {
+      if (length == 0) continue;  // empty is never ASCII
+      const std::string filler(length, c.mode == 2 ? '\xFF' : ' ');
+      ASSERT_TRUE(isAscii(ExactBytes(filler), c.mode)) << c.mode << ' ' << length;
+      for (std::size_t at = firstPlantedPosition(length); at < length; ++at) {
+        for (const char bad : c.bad) {
+          std::string broken = filler;
+          broken[at] = bad;
+          ASSERT_FALSE(isAscii(ExactBytes(broken), c.mode)) << c.mode << ' ' << at << ' ' << +bad;
+        }
+      }
+    }
+  }
 }
 
 TEST(ByteCompareKernel, ZeroPaddedUnsigned) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "strings/text_search.h"
+#include "text/simd_path.h"
 
 namespace zel::strings {
 namespace {
@@ -187,14 +188,28 @@ TEST(TextSearchKernel, SearchesAgreeWithTheReferenceOnRandomInputs) {
     for (char& c : s) c = kLetters[random() % kLetters.size()];
     return s;
   };
-  for (int round = 0; round < kRounds; ++round) {
-    const std::string pattern = randomString(6);
-    // Texts made of pieces of the pattern overlap it in many ways.
-    std::string text;
-    while (text.size() < 40) text += random() % 3 == 0 ? randomString(3) : pattern;
-    expectSameAsReference(text, pattern);
-    ASSERT_FALSE(HasFatalFailure());
+  // Every tenth text, with a longer pattern, is long enough for the vector blocks of the count, on
+  // each path.
+  constexpr std::size_t kShortText = 40, kLongText = 400;
+  for (const text::SimdPath path : text::supportedSimdPaths()) {
+    text::forceSimdPath(path);
+    for (int round = 0; round < kRounds; ++round) {
+      const bool longText = round % 10 == 0;
+      const std::string pattern = randomString(longText ? 12 : 6);
+      // Texts made of pieces of the pattern overlap it in many ways.
+      std::string text;
+      while (text.size() < (longText ? kLongText : kShortText)) {
+        std::string piece = random() % 3 == 0 ? randomString(3) : pattern;
+        // Near misses: one letter of the pattern changed, wherever a comparison might stop short.
+        if (random() % 3 == 0 && !piece.empty())
+          piece[random() % piece.size()] = kLetters[random() % kLetters.size()];
+        text += piece;
+      }
+      expectSameAsReference(text, pattern);
+      ASSERT_FALSE(HasFatalFailure()) << text::simdPathName(path);
+    }
   }
+  text::forceSimdPath(text::supportedSimdPaths().back());
 }
 
 // Repetitive text against a long pattern that fails only at its last byte: a search that compares
@@ -206,6 +221,9 @@ TEST(TextSearchKernel, RepetitiveInputsTakeLinearTime) {
   const auto nearMiss = [](std::size_t length) { return std::string(length - 1, 'a') + 'b'; };
   const std::string wholeWordText(256 * kKiB, 'a'), countText(2048 * kKiB, 'a');
   const std::string wholeWordPattern = nearMiss(64 * kKiB), countPattern = nearMiss(512 * kKiB);
+  // Its first and last bytes agree everywhere: every start is a candidate that fails in the middle.
+  const std::string candidateEverywhere =
+      std::string(128 * kKiB, 'a') + 'b' + std::string(128 * kKiB, 'a');
   const struct {
     const char* name;
     std::function<std::int64_t()> search;
@@ -213,6 +231,8 @@ TEST(TextSearchKernel, RepetitiveInputsTakeLinearTime) {
       {"whole word",
        [&] { return std::int64_t{containsWholeWord(wholeWordText, wholeWordPattern)}; }},
       {"count", [&] { return countOccurrences(countText, countPattern); }},
+      {"count, candidates everywhere",
+       [&] { return countOccurrences(countText, candidateEverywhere); }},
   };
   for (const auto& c : cases) {
     const std::clock_t start = std::clock();

@@ -3,17 +3,23 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
 #include <functional>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "strings/kernel_test_support.h"
+#include "text/simd_path.h"
 
 namespace zel::strings {
 namespace {
 
 using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 struct Case {
   std::string input;
@@ -181,6 +187,91 @@ TEST(TransferEncodingKernels, EveryShortStringRoundTripsThroughAsciiText) {
           << trip.name << ": " << encodeHex(input);
     }
   }
+}
+
+// Runs each case once on every vector path this processor offers.
+class HexOnEachPath : public testing::TestWithParam<text::SimdPath> {
+ protected:
+  void SetUp() override { text::forceSimdPath(GetParam()); }
+  void TearDown() override { text::forceSimdPath(text::supportedSimdPaths().back()); }
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Paths, HexOnEachPath,
+    testing::ValuesIn(std::vector<text::SimdPath>(text::supportedSimdPaths().begin(),
+                                                  text::supportedSimdPaths().end())),
+    [](const auto& path) { return std::string(text::simdPathName(path.param)); });
+
+std::string referenceEncodeHex(std::string_view bytes) {
+  std::string out;
+  for (const char c : bytes) {
+    std::array<char, 3> pair{};
+    std::snprintf(pair.data(), pair.size(), "%02X",
+                  static_cast<unsigned>(static_cast<unsigned char>(c)));
+    out += pair.data();
+  }
+  return out;
+}
+
+std::string referenceDecodeHex(std::string_view digits) {
+  const auto value = [](const char& c) {
+    unsigned parsed = 0;  // stays 0 for a character that is not a digit
+    std::from_chars(&c, &c + 1, parsed, 16);
+    return parsed;
+  };
+  std::string out;
+  for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
+    out += static_cast<char>(value(digits[i]) * 16 + value(digits[i + 1]));
+  }
+  return out;
+}
+
+// Digits of both cases, and the characters beside each digit range, also with the high bit set.
+constexpr std::string_view kDigitNeighbours =
+    "0123456789abcdefABCDEF/:@G`g \0\x80\xB0\xB9\xC1\xE6\xFF"sv;
+
+TEST_P(HexOnEachPath, EveryLengthUpTo200AgreesWithTheReference) {
+  std::mt19937 random(2026);
+  for (std::size_t length = 0; length <= 200; ++length) {
+    std::string bytes(length, '\0');
+    std::string digits(length, '\0');
+    for (std::size_t i = 0; i < length; ++i) {
+      bytes[i] = static_cast<char>(random());
+      digits[i] = kDigitNeighbours[random() % kDigitNeighbours.size()];
+    }
+    ASSERT_EQ(encodeHex(ExactBytes(bytes)), referenceEncodeHex(bytes)) << length;
+    ASSERT_EQ(decodeHex(ExactBytes(digits)), referenceDecodeHex(digits)) << digits;
+  }
+}
+
+TEST_P(HexOnEachPath, EveryBadCharacterPositionDecodesLikeTheReference) {
+  std::string valid;
+  for (int i = 0; valid.size() < 200; ++i)
+    valid += referenceEncodeHex(std::string(1, static_cast<char>(i * 37)));
+  for (std::size_t at = 0; at < valid.size(); ++at) {
+    ASSERT_EQ(decodeHex(ExactBytes(valid.substr(0, at))), referenceDecodeHex(valid.substr(0, at)));
+    for (const char bad : kDigitNeighbours.substr(kDigitNeighbours.find('/'))) {
+      std::string broken = valid;
+      broken[at] = bad;
+      ASSERT_EQ(decodeHex(ExactBytes(broken)), referenceDecodeHex(broken)) << at << ' ' << +bad;
+    }
+  }
+}
+
+// All of them in one run, so that every byte and every pair of characters passes through the
+// vector blocks.
+TEST_P(HexOnEachPath, EveryShortStringAndEveryPairRoundTripsInsideBlocks) {
+  std::string bytes;
+  for (const std::string& input : everyShortString()) bytes += input;
+  const std::string encoded = encodeHex(ExactBytes(bytes));
+  ASSERT_EQ(encoded, referenceEncodeHex(bytes));
+  ASSERT_EQ(decodeHex(ExactBytes(encoded)), bytes);
+  std::string everyPair;
+  for (int high = 0; high < 256; ++high) {
+    for (int low = 0; low < 256; ++low)
+      everyPair += {static_cast<char>(high), static_cast<char>(low)};
+  }
+  ASSERT_EQ(decodeHex(ExactBytes(everyPair)), referenceDecodeHex(everyPair));
 }
 
 TEST(QuotedPrintableKernel, DecodeCases) {
