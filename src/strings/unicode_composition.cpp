@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <numeric>
 #include <vector>
 
 #include "base/out_of_memory_error.h"
@@ -54,6 +55,58 @@ constexpr std::size_t unitCount(const DecompositionEntry& row) {
   return row.units[2] == 0 ? 2 : row.units[3] == 0 ? 3 : 4;
 }
 
+// Text is checked a block at a time, so that runs no table entry can touch are copied whole.
+constexpr std::size_t kBlock = 32;
+
+bool allBelow(std::u16string_view block, char16_t bound) {
+  return std::accumulate(block.begin(), block.end(), char16_t{0},
+                         [](char16_t a, char16_t b) { return std::max(a, b); }) < bound;
+}
+
+// One unit of every row, as a set searched a block at a time.
+class UnitSet {
+ public:
+  template <typename UnitOfRow>
+  constexpr explicit UnitSet(UnitOfRow unitOfRow) {
+    for (const auto& row : decompositionTable) {
+      const char16_t unit = unitOfRow(row);
+      words_[unit / kWordBits] |= std::uint64_t{1} << (unit % kWordBits);
+      lowest_ = std::min(lowest_, unit);
+    }
+  }
+
+  constexpr bool contains(char16_t unit) const {
+    return (words_[unit / kWordBits] >> (unit % kWordBits) & 1) != 0;
+  }
+
+  // The first position from `from` on whose unit is a member, or text.size().
+  std::size_t findIn(std::u16string_view text, std::size_t from) const {
+    std::size_t i = from;
+    while (i < text.size()) {
+      if (text.size() - i >= kBlock && allBelow(text.substr(i, kBlock), lowest_)) {
+        i += kBlock;
+        continue;
+      }
+      for (const std::size_t end = std::min(i + kBlock, text.size()); i < end; ++i) {
+        if (contains(text[i])) return i;
+      }
+    }
+    return text.size();
+  }
+
+ private:
+  static constexpr std::size_t kWordBits = 64;
+  std::array<std::uint64_t, 0x10000 / kWordBits> words_{};
+  char16_t lowest_ = 0xFFFF;
+};
+
+// A row can only match where the next unit stands second in some row, so composition copies
+// the text between such places in bulk.
+constexpr UnitSet kSecondUnits([](const DecompositionEntry& row) { return row.units[1]; });
+
+// Decomposition copies the text between characters that have a row in bulk.
+constexpr UnitSet kComposedUnits([](const DecompositionEntry& row) { return row.composed; });
+
 constexpr std::uint32_t pairKey(char16_t first, char16_t second) {
   return static_cast<std::uint32_t>(first) << 16 | second;
 }
@@ -68,9 +121,8 @@ struct CompositionIndex {
       return a.key != b.key ? a.key < b.key : a.row < b.row;
     }
   };
-  static constexpr std::uint8_t kStartsRow = 1, kSecondInRow = 2;
-  // compositionStartFlags, with a second bit for the units that stand second in some row.
-  std::array<std::uint8_t, 0x10000> flags{};
+  // compositionStartFlags: whether a unit stands first in some row.
+  std::array<bool, 0x10000> startsRow{};
   std::vector<Candidate> candidates;
 };
 
@@ -80,8 +132,7 @@ std::unique_ptr<const CompositionIndex> buildCompositionIndex() {
     index->candidates.reserve(decompositionTable.size());
     for (std::size_t row = 0; row < decompositionTable.size(); ++row) {
       const auto& units = decompositionTable[row].units;
-      index->flags[units[0]] |= CompositionIndex::kStartsRow;
-      index->flags[units[1]] |= CompositionIndex::kSecondInRow;
+      index->startsRow[units[0]] = true;
       index->candidates.push_back({pairKey(units[0], units[1]), static_cast<std::uint16_t>(row)});
     }
     std::sort(index->candidates.begin(), index->candidates.end());
@@ -100,7 +151,7 @@ const CompositionIndex& compositionIndex() {
 // The row matching text from its start, by the first-match rule; null when none does.
 const DecompositionEntry* firstMatchingRow(const CompositionIndex& index,
                                            std::u16string_view text) {
-  if (text.size() < 2 || !(index.flags[text[1]] & CompositionIndex::kSecondInRow)) return nullptr;
+  if (text.size() < 2 || !kSecondUnits.contains(text[1])) return nullptr;
   const std::uint32_t key = pairKey(text[0], text[1]);
   auto candidate = std::lower_bound(index.candidates.begin(), index.candidates.end(),
                                     CompositionIndex::Candidate{key, 0});
@@ -151,43 +202,59 @@ const DecompositionEntry* tracedRowOf(char16_t unit, UnicodeTrace& trace) {
 
 }  // namespace
 
-// Composition never lengthens the text, so the output is sized once.
+// Composition never lengthens the text, so the output is reserved once. The debug log reports
+// every unit that starts a row, so a traced call takes the exact path unit by unit.
 std::u16string composeCharacters(std::u16string_view text, UnicodeTrace* trace) {
   const CompositionIndex& index = compositionIndex();
-  std::u16string composed(text.size(), u'\0');
-  char16_t* out = composed.data();
+  std::u16string composed;
+  composed.reserve(text.size());
   for (std::size_t i = 0; i < text.size();) {
+    if (!trace) {
+      // No row matches before the unit just ahead of the next second unit.
+      const std::size_t next = kSecondUnits.findIn(text, i + 1);
+      if (next == text.size()) {
+        composed.append(text.substr(i));
+        break;
+      }
+      composed.append(text.substr(i, next - 1 - i));
+      i = next - 1;
+    }
     const char16_t unit = text[i];
     const DecompositionEntry* row = nullptr;
-    if (index.flags[unit] & CompositionIndex::kStartsRow) {
+    if (index.startsRow[unit]) {
       if (trace) trace->note("findCompositionInText", unit);
       row = firstMatchingRow(index, text.substr(i));
     }
-    *out++ = row ? row->composed : unit;
+    composed.push_back(row ? row->composed : unit);
     i += row ? unitCount(*row) : 1;
   }
-  composed.resize(static_cast<std::size_t>(out - composed.data()));
   return composed;
 }
 
+// The output grows a block at a time, by room for the longest decomposition of every unit.
 std::u16string decomposeCharacters(std::u16string_view text, UnicodeTrace* trace) {
-  constexpr std::size_t kLongestDecomposition = 4;
-  std::u16string decomposed(text.size() + text.size() / 2 + kLongestDecomposition, u'\0');
+  constexpr std::size_t kLongestDecomposition = 4, kBlockRoom = kBlock * kLongestDecomposition;
+  std::u16string decomposed(text.size() + text.size() / 2 + kBlockRoom, u'\0');
   char16_t* out = decomposed.data();
-  for (const char16_t unit : text) {
-    if (static_cast<std::size_t>(decomposed.data() + decomposed.size() - out) <
-        kLongestDecomposition) {
+  for (std::size_t start = 0; start < text.size(); start += kBlock) {
+    if (static_cast<std::size_t>(decomposed.data() + decomposed.size() - out) < kBlockRoom) {
       const auto written = static_cast<std::size_t>(out - decomposed.data());
       decomposed.resize(decomposed.size() * 2);
       out = decomposed.data() + written;
     }
-    const DecompositionEntry* row = nullptr;
-    if (unit >= kFirstDecomposable) row = trace ? tracedRowOf(unit, *trace) : rowOf(unit);
-    if (row) {
-      std::copy_n(row->units.begin(), kLongestDecomposition, out);
-      out += unitCount(*row);
-    } else {
-      *out++ = unit;
+    const auto block = text.substr(start, kBlock);
+    // The debug log reports every unit from U+00C0 on, so a traced call looks each one up.
+    const std::size_t firstComposed = trace ? 0 : kComposedUnits.findIn(block, 0);
+    out = std::copy_n(block.begin(), firstComposed, out);
+    for (const char16_t unit : block.substr(firstComposed)) {
+      const DecompositionEntry* row = nullptr;
+      if (unit >= kFirstDecomposable) row = trace ? tracedRowOf(unit, *trace) : rowOf(unit);
+      if (row) {
+        std::copy_n(row->units.begin(), kLongestDecomposition, out);
+        out += unitCount(*row);
+      } else {
+        *out++ = unit;
+      }
     }
   }
   decomposed.resize(static_cast<std::size_t>(out - decomposed.data()));

@@ -122,5 +122,66 @@ TEST(UnicodeCompositionKernel, IndexedCompositionMatchesTheLinearScan) {
   }
 }
 
+// Any trace sends composition and decomposition down the exact path, one unit at a time.
+class DiscardingTrace final : public UnicodeTrace {
+ public:
+  void note(const char*, std::int64_t) override {}
+  void note(const char*, std::int64_t, std::int64_t) override {}
+};
+
+std::u16string exactCompose(std::u16string_view text) {
+  DiscardingTrace trace;
+  return composeCharacters(text, &trace);
+}
+
+std::u16string exactDecompose(std::u16string_view text) {
+  DiscardingTrace trace;
+  return decomposeCharacters(text, &trace);
+}
+
+TEST(UnicodeCompositionKernel, BulkCopyingMatchesTheExactPath) {
+  std::mt19937 random(5);
+  std::vector<char16_t> pool = {u'x', u' ', 0xD800, 0xDBFF, 0xDC00, 0xDFFF};
+  for (const auto& row : decompositionTable) {
+    if (random() % 8 != 0) continue;
+    pool.push_back(row.composed);
+    pool.insert(pool.end(), row.units.begin(), row.units.begin() + 4);
+  }
+  std::erase(pool, u'\0');
+  for (std::size_t length = 0; length <= 200; ++length) {
+    for (int round = 0; round < 4; ++round) {
+      std::u16string text;
+      while (text.size() < length) {
+        const auto& row = decompositionTable[random() % decompositionTable.size()];
+        switch (random() % 3) {
+          case 0:
+            text.append(row.units.data(), unitsOf(row));
+            break;
+          case 1:
+            text.append(random() % 40, u'a');
+            break;
+          default:
+            text.push_back(pool[random() % pool.size()]);
+        }
+      }
+      text.resize(length);
+      ASSERT_EQ(composeCharacters(text), exactCompose(text)) << length << " " << round;
+      ASSERT_EQ(decomposeCharacters(text), exactDecompose(text)) << length << " " << round;
+    }
+  }
+  // Both forms of every row, at every offset within a block of plain letters.
+  for (const auto& row : decompositionTable) {
+    const std::u16string before((&row - decompositionTable.data()) % 40, u'a'), after(40, u'z');
+    for (const std::u16string_view form : {std::u16string_view(&row.composed, 1),
+                                           std::u16string_view(row.units.data(), unitsOf(row))}) {
+      const std::u16string text = before + std::u16string(form) + after;
+      ASSERT_EQ(composeCharacters(text), exactCompose(text))
+          << std::hex << static_cast<int>(row.composed);
+      ASSERT_EQ(decomposeCharacters(text), exactDecompose(text))
+          << std::hex << static_cast<int>(row.composed);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zel::strings
