@@ -13,6 +13,7 @@
 namespace zel::strings {
 namespace {
 
+using escapes::isDroppedControl;
 using escapes::isMarkupCharacter;
 using text::ByteClass;
 using Bytes = std::span<const std::uint8_t>;
@@ -21,13 +22,9 @@ using Bytes = std::span<const std::uint8_t>;
 constexpr std::size_t kOutputSlack = 4096;
 // The HTML encoder's reservation per input unit.
 constexpr std::size_t kHtmlReservePerByte = 4;
-constexpr std::uint8_t kControlsEnd = 0x20;
 // Leads U+F000 to U+FFFF, where the two byte order marks are.
 constexpr std::uint8_t kByteOrderMarkLead = 0xEF;
 
-constexpr bool isControl(std::uint8_t b) {
-  return b < kControlsEnd;
-}
 constexpr bool isHigh(std::uint8_t b) {
   return b >= text::kFirstNonAscii;
 }
@@ -38,13 +35,15 @@ constexpr ByteClass kHtmlQuickStops([](std::uint8_t b) {
 });
 constexpr ByteClass kXmlQuickStops([](std::uint8_t b) { return b == 0 || isMarkupCharacter(b); });
 
-// Where the full passes stop copying.
+// Where the full passes stop copying: tab and line breaks go with the runs.
 constexpr ByteClass kHtmlStops([](std::uint8_t b) {
-  return isControl(b) || isMarkupCharacter(b) || isHigh(b);
+  return isDroppedControl(b) || isMarkupCharacter(b) || isHigh(b);
 });
-constexpr ByteClass kHtmlStopsMarkupAsIs([](std::uint8_t b) { return isControl(b) || isHigh(b); });
+constexpr ByteClass kHtmlStopsMarkupAsIs([](std::uint8_t b) {
+  return isDroppedControl(b) || isHigh(b);
+});
 constexpr ByteClass kXmlStops([](std::uint8_t b) {
-  return isControl(b) || isMarkupCharacter(b) || b == kByteOrderMarkLead;
+  return isDroppedControl(b) || isMarkupCharacter(b) || b == kByteOrderMarkLead;
 });
 
 Bytes bytesOf(std::string_view text) {
@@ -129,17 +128,19 @@ std::optional<std::string> encodeHtmlEntities(std::string_view utf8, std::int64_
   for (std::size_t at = 0; at < bytes.size();) {
     const std::size_t stop = findFrom(bytes, at, stops);
     appendRun(bytes, at, stop, out);
-    if (stop == bytes.size()) break;
-    if (!isHigh(bytes[stop])) {
-      escapes::appendHtmlEscape(out, bytes[stop], markupAsIs);
-      at = stop + 1;
-      continue;
+    // Stops come in groups (words of non-ASCII text): the ones that follow need no search.
+    for (at = stop; at < bytes.size() && stops.contains(bytes[at]);) {
+      if (!isHigh(bytes[at])) {
+        escapes::appendHtmlEscape(out, bytes[at++], markupAsIs);
+        continue;
+      }
+      const Sequence sequence = sequenceAt(bytes, at);
+      if (sequence.length == 0) return out;
+      if (!isByteOrderMark(sequence.value)) {
+        escapes::appendHtmlEscape(out, sequence.value, markupAsIs);
+      }
+      at += sequence.length;
     }
-    const Sequence sequence = sequenceAt(bytes, stop);
-    if (sequence.length == 0) break;
-    if (!isByteOrderMark(sequence.value))
-      escapes::appendHtmlEscape(out, sequence.value, markupAsIs);
-    at = stop + sequence.length;
   }
   return out;
 }
@@ -154,12 +155,12 @@ std::optional<std::string> encodeXmlEntities(std::string_view utf8, std::int64_t
   for (std::size_t at = 0; at < valid.size();) {
     const std::size_t stop = findFrom(valid, at, kXmlStops);
     appendRun(valid, at, stop, out);
-    at = stop;
-    if (at == valid.size()) break;
-    if (valid[at] == kByteOrderMarkLead) {
-      appendXmlNonAscii(valid, at, out);
-    } else {
-      escapes::appendXmlEscape(out, valid[at++], namedApostrophe);
+    for (at = stop; at < valid.size() && kXmlStops.contains(valid[at]);) {
+      if (valid[at] == kByteOrderMarkLead) {
+        appendXmlNonAscii(valid, at, out);
+      } else {
+        escapes::appendXmlEscape(out, valid[at++], namedApostrophe);
+      }
     }
   }
   return out;

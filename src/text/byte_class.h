@@ -10,11 +10,13 @@
 
 namespace zel::text {
 
-// A set of byte values in the shape the vector paths test cheaply: every value below a bound,
-// optionally every value from 0x80 up, and a few single values.
+// A set of byte values in the shape the vector paths test cheaply: every value below a bound but
+// a few gaps (tab and line breaks among the controls), optionally every value from 0x80 up, and a
+// few single values.
 class ByteClass {
  public:
   static constexpr std::size_t kMaxListed = 8;
+  static constexpr std::size_t kMaxGaps = 4;
   static constexpr unsigned kValues = 256;
   static constexpr std::uint8_t kFirstHigh = 0x80;
 
@@ -23,7 +25,19 @@ class ByteClass {
   template <class IsMember>
   constexpr explicit ByteClass(IsMember isMember) {
     for (unsigned b = 0; b < kValues; ++b) members_[b] = isMember(static_cast<std::uint8_t>(b));
-    while (below_ < kFirstHigh && members_[below_]) ++below_;
+    std::array<std::uint8_t, kMaxGaps> gaps{};
+    std::size_t gapCount = 0;
+    for (unsigned b = 0; b < kFirstHigh; ++b) {
+      if (members_[b]) {
+        below_ = static_cast<std::uint8_t>(b + 1);
+        gaps_ = gaps;
+        gapCount_ = gapCount;
+      } else if (gapCount < kMaxGaps) {
+        gaps[gapCount++] = static_cast<std::uint8_t>(b);
+      } else {
+        break;
+      }
+    }
     high_ = true;
     for (unsigned b = kFirstHigh; b < kValues; ++b) high_ = high_ && members_[b];
     for (unsigned b = below_; b < kValues; ++b) {
@@ -34,8 +48,11 @@ class ByteClass {
   }
 
   constexpr bool contains(std::uint8_t b) const noexcept { return members_[b]; }
-  // Every value below this one is a member.
+  // Every value below this one is a member, but the gaps.
   constexpr std::uint8_t below() const noexcept { return below_; }
+  constexpr std::span<const std::uint8_t> gaps() const noexcept {
+    return {gaps_.data(), gapCount_};
+  }
   // Every value from 0x80 up is a member.
   constexpr bool high() const noexcept { return high_; }
   // The members that neither of the two ranges covers.
@@ -46,6 +63,8 @@ class ByteClass {
  private:
   std::array<bool, kValues> members_{};
   std::uint8_t below_ = 0;
+  std::array<std::uint8_t, kMaxGaps> gaps_{};
+  std::size_t gapCount_ = 0;
   bool high_ = false;
   std::array<std::uint8_t, kMaxListed> listed_{};
   std::size_t listedCount_ = 0;

@@ -65,14 +65,17 @@ TEST_P(ByteClassOnEachPath, FindsEverySingleValueAtEveryPosition) {
   }
 }
 
-// Classes of every shape: a low range, the high half or part of it, single values; texts that
-// hold members sparsely or densely.
+// Classes of every shape: a low range with or without gaps, the high half, single values; texts
+// that hold members sparsely or densely.
 TEST_P(ByteClassOnEachPath, RandomClassesAgreeWithAPlainSearch) {
   std::mt19937 random(97);
   for (int sample = 0; sample < 2000; ++sample) {
     Members members;
     const unsigned below = random() % 3 == 0 ? random() % 40 : 0;
     for (unsigned b = 0; b < below; ++b) members.set(b);
+    for (unsigned n = random() % (ByteClass::kMaxGaps + 1); n > 0 && below > 0; --n) {
+      members.reset(random() % below);
+    }
     if (random() % 2 == 0) {
       for (unsigned b = ByteClass::kFirstHigh; b < ByteClass::kValues; ++b) members.set(b);
     }
