@@ -1,5 +1,6 @@
 // The entity encoders over UTF-8: plain runs are found a vector block at a time and copied whole;
 // only the bytes that need work are decoded, by the decoder's own sequence rules.
+#include <algorithm>
 #include <cstdint>
 #include <span>
 
@@ -50,7 +51,14 @@ Bytes bytesOf(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
+// Runs between stops are often short: a few bytes looked at one by one spare the vector search
+// its set-up.
+constexpr std::size_t kBytesBeforeSearch = 8;
+
 std::size_t findFrom(Bytes bytes, std::size_t at, const ByteClass& stops) {
+  for (const std::size_t end = std::min(bytes.size(), at + kBytesBeforeSearch); at < end; ++at) {
+    if (stops.contains(bytes[at])) return at;
+  }
   return at + text::findByteInClass(bytes.subspan(at), stops);
 }
 
