@@ -5,9 +5,14 @@
 #include <charconv>
 #include <span>
 
+#include "strings/entity_escapes.h"
 #include "strings/word_scan.h"
 
 namespace zel::strings {
+
+using escapes::isDroppedControl;
+using escapes::isMarkupCharacter;
+
 namespace {
 
 // Headroom beyond the expected output, so that a text with a few entities never regrows.
@@ -15,21 +20,12 @@ constexpr std::size_t kOutputSlack = 4096;
 // The most UTF-8 bytes one character can take.
 constexpr std::size_t kMaxUtf8BytesPerCharacter = 4;
 
-constexpr bool isMarkupCharacter(char32_t c) {
-  return c == U'"' || c == U'&' || c == U'\'' || c == U'<' || c == U'>';
-}
-
 // Printable ASCII other than the markup characters: the encoders copy these in runs.
 constexpr auto kPlainAscii = [] {
   std::array<bool, 128> plain{};
   for (char32_t c = 32; c < 128; ++c) plain[c] = !isMarkupCharacter(c);
   return plain;
 }();
-
-// Both encoders keep tab, line feed and carriage return and drop every other control.
-constexpr bool isDroppedControl(char32_t c) {
-  return c < 32 && c != 9 && c != 10 && c != 13;
-}
 
 std::u32string_view withoutByteOrderMark(std::u32string_view text) {
   if (!text.empty() && (text.front() == 0xFEFF || text.front() == 0xFFFE)) text.remove_prefix(1);
@@ -240,7 +236,38 @@ void appendReference(std::u32string& out, std::string_view name) {
   out += U';';
 }
 
+template <class Text>
+void appendXmlEscapeTo(Text& out, char32_t c, bool namedApostrophe) {
+  if (c == U'\'' && !namedApostrophe) {
+    appendReference(out, "#39");
+  } else if (isMarkupCharacter(c)) {
+    appendReference(out, std::ranges::find(kXmlEntities, c, &EntityEntry::code)->name);
+  } else if (!isDroppedControl(c)) {
+    out += static_cast<typename Text::value_type>(c);
+  }
+}
+
 }  // namespace
+
+void escapes::appendHtmlEscape(std::string& out, char32_t c, bool markupAsIs) {
+  if (c == U'\'' && !markupAsIs) {
+    appendReference(out, "#39");
+  } else if (const EntityEntry* entity = findHtmlEntityByCode(c, markupAsIs)) {
+    appendReference(out, entity->name);
+  } else if (c >= 128) {
+    appendDecimalReference(out, c);
+  } else if (!isDroppedControl(c)) {
+    out += static_cast<char>(c);
+  }
+}
+
+void escapes::appendXmlEscape(std::string& out, char32_t c, bool namedApostrophe) {
+  appendXmlEscapeTo(out, c, namedApostrophe);
+}
+
+void escapes::appendXmlEscape(std::u32string& out, char32_t c, bool namedApostrophe) {
+  appendXmlEscapeTo(out, c, namedApostrophe);
+}
 
 const EntityEntry* findHtmlEntityByCode(char32_t code, bool nonAsciiOnly) {
   const auto all = std::span(kHtmlEntities);
@@ -292,18 +319,7 @@ std::optional<std::string> encodeHtmlEntities(std::u32string_view text, std::int
       i += run;
       continue;
     }
-    const char32_t c = text[i++];
-    if (c == U'\'' && !markupAsIs) {
-      out += "&#39;";
-      continue;
-    }
-    if (const EntityEntry* entity = findHtmlEntityByCode(c, markupAsIs)) {
-      appendReference(out, entity->name);
-    } else if (c >= 128) {
-      appendDecimalReference(out, c);
-    } else if (!isDroppedControl(c)) {
-      out += static_cast<char>(c);
-    }
+    escapes::appendHtmlEscape(out, text[i++], markupAsIs);
   }
   return out;
 }
@@ -321,14 +337,7 @@ std::optional<std::u32string> encodeXmlEntities(std::u32string_view text, std::i
     out.append(text.substr(i, run));
     i += run;
     if (i == text.size()) break;
-    const char32_t c = text[i++];
-    if (c == U'\'' && !namedApostrophe) {
-      out += U"&#39;";
-    } else if (isMarkupCharacter(c)) {
-      appendReference(out, std::ranges::find(kXmlEntities, c, &EntityEntry::code)->name);
-    } else if (!isDroppedControl(c)) {
-      out += c;
-    }
+    escapes::appendXmlEscape(out, text[i++], namedApostrophe);
   }
   return out;
 }

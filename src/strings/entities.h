@@ -21,6 +21,12 @@ std::optional<std::string> encodeHtmlEntities(std::u32string_view text, std::int
 // Code points; std::nullopt when nothing needs escaping. An empty result means nil.
 std::optional<std::u32string> encodeXmlEntities(std::u32string_view text, std::int64_t options);
 
+// The same encoders over UTF-8 bytes, read as the plug-in's UTF-8 decoder reads them: up to the
+// first malformed sequence, without U+FEFF and U+FFFE. The results equal those of the encoders
+// above over the decoded code points; the XML result is UTF-8.
+std::optional<std::string> encodeHtmlEntities(std::string_view utf8, std::int64_t options);
+std::optional<std::string> encodeXmlEntities(std::string_view utf8, std::int64_t options);
+
 // Named (HTML names, prefix-matched) and numeric references back to code points, one pass.
 // An empty result means nil.
 std::u32string decodeEntities(std::u32string_view text);

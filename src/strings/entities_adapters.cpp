@@ -36,6 +36,13 @@ RBBoolean markupReady(OnFailure policy, REALstring s) noexcept {
   });
 }
 
+// Text stored as UTF-8 or ASCII is encoded from its own bytes, which the UTF-32 view only
+// decodes. Other text keeps the host's conversion to UTF-32: its UTF-8 conversion may keep byte
+// order marks inside the text that our decoder would drop.
+bool encodesFromBytes(const HostText& text) {
+  return text.encoding() == encoding::kUTF8 || text.encoding() == encoding::kASCII;
+}
+
 }  // namespace
 
 // The encoders hand back the caller's own string when nothing needs escaping.
@@ -43,7 +50,9 @@ REALstring EncodingToHTMLZEL(REALstring s, RBInteger options) noexcept {
   if (s == nullptr) return nullptr;
   return guarded(OnFailure::raise, [&] {
     HostText text(s);
-    const auto encoded = strings::encodeHtmlEntities(text.utf32(), options);
+    const auto encoded = encodesFromBytes(text)
+                             ? strings::encodeHtmlEntities(text.utf8(), options)
+                             : strings::encodeHtmlEntities(text.utf32(), options);
     return encoded ? buildString(*encoded, encoding::kASCII) : shareString(s);
   });
 }
@@ -52,6 +61,10 @@ REALstring EncodingToXMLZEL(REALstring s, RBInteger options) noexcept {
   if (s == nullptr) return nullptr;
   return guarded(OnFailure::raise, [&] {
     HostText text(s);
+    if (encodesFromBytes(text)) {
+      const auto encoded = strings::encodeXmlEntities(text.utf8(), options);
+      return encoded ? buildString(*encoded, encoding::kUTF8) : shareString(s);
+    }
     const auto encoded = strings::encodeXmlEntities(text.utf32(), options);
     return encoded ? buildString(std::u32string_view(*encoded)) : shareString(s);
   });

@@ -1,15 +1,32 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
 #include "strings/entities.h"
+#include "text/simd_path.h"
+#include "text/utf8.h"
 
 namespace zel::strings {
 namespace {
 
 using namespace std::literals;
+
+// The UTF-8 form of a text that the decoder reads back as the same code points, if there is one.
+std::optional<std::string> decodableUtf8(std::u32string_view text) {
+  const auto lost = [](char32_t c) {
+    return c == 0xFEFF || c == 0xFFFE || (c >= 0xD800 && c <= 0xDFFF) || c > 0x10FFFF;
+  };
+  if (std::ranges::any_of(text, lost)) return std::nullopt;
+  return text::encodeUtf8(text);
+}
+
+std::optional<std::string> asUtf8(const std::optional<std::u32string_view>& text) {
+  return text ? std::optional(text::encodeUtf8(*text)) : std::nullopt;
+}
 
 TEST(EntitiesKernel, TablesHoldTheRowsInOrder) {
   struct Row {
@@ -115,6 +132,9 @@ TEST(EntitiesKernel, HtmlEncoder) {
                          {U"\uFEFF", 0, ""},  // nil
                          {U"", 0, ""}}) {
     EXPECT_EQ(encodeHtmlEntities(c.text, c.options), c.expected) << c.text.size();
+    if (const auto utf8 = decodableUtf8(c.text)) {
+      EXPECT_EQ(encodeHtmlEntities(std::string_view(*utf8), c.options), c.expected) << *utf8;
+    }
   }
 }
 
@@ -136,7 +156,87 @@ TEST(EntitiesKernel, XmlEncoder) {
                                          {U"\uFEFFabc", 0, std::nullopt},
                                          {U"", 0, U""}}) {
     EXPECT_EQ(encodeXmlEntities(c.text, c.options), c.expected) << c.text.size();
+    if (const auto utf8 = decodableUtf8(c.text)) {
+      EXPECT_EQ(encodeXmlEntities(std::string_view(*utf8), c.options), asUtf8(c.expected)) << *utf8;
+    }
   }
+}
+
+// What only UTF-8 input has: decoding ends at a malformed sequence and drops byte order marks.
+TEST(EntitiesKernel, Utf8EncodersReadTheTextAsTheDecoderDoes) {
+  struct Case {
+    std::string_view utf8;
+    std::optional<std::string_view> html, xml;
+  };
+  for (const Case& c :
+       std::vector<Case>{{"a<\xFF<", "a&lt;", "a&lt;"},
+                         {"\xFF<", "", ""},  // nil: nothing decoded
+                         {"\xC3\xA9\xC3<", "&eacute;", std::nullopt},
+                         {"a\xEF\xBB\xBF<", "a&lt;", "a&lt;"},
+                         {"abc\xEF\xBB\xBF", std::nullopt, std::nullopt},
+                         {"\xEF\xBB\xBF\xEF\xBF\xBE", "", ""},
+                         {"\xC3\xA9\xEF\xBF\xBE<\xEF\xBF\xBD", "&eacute;&lt;&#65533;",
+                          "\xC3\xA9&lt;\xEF\xBF\xBD"},
+                         {"ab\0<\xC3\xA9"sv, std::nullopt, std::nullopt},
+                         {"x\xF0\x9F\x98\x80'\x01", "x&#128512;&#39;", "x\xF0\x9F\x98\x80&#39;"}}) {
+    EXPECT_EQ(encodeHtmlEntities(c.utf8, 0), c.html) << c.utf8;
+    EXPECT_EQ(encodeXmlEntities(c.utf8, 0), c.xml) << c.utf8;
+  }
+}
+
+// Random texts of markup, controls, entity characters, byte order marks and now and then a NUL
+// or a malformed sequence, on every vector path, against the code point encoders.
+TEST(EntitiesKernel, Utf8EncodersAgreeWithTheCodePointEncodersOnEveryPath) {
+  constexpr std::string_view kCommon[] = {"a",
+                                          "plain text that spans more than one vector block ",
+                                          "\"",
+                                          "&",
+                                          "'",
+                                          "<",
+                                          ">",
+                                          "\t",
+                                          "\n",
+                                          "\r",
+                                          "\x01",
+                                          "\x1F",
+                                          "\x7F",
+                                          "\xC2\xA0",
+                                          "\xC3\xA9",
+                                          "\xCF\x82",
+                                          "\xE2\x99\xA6",
+                                          "\xE4\xB8\xAD",
+                                          "\xEF\xBB\xBF",
+                                          "\xEF\xBF\xBE",
+                                          "\xEF\xBF\xBD",
+                                          "\xF0\x9F\x98\x80"};
+  constexpr std::string_view kRare[] = {"\0"sv, "\x80", "\xC3", "\xED\xA0\x80", "\xF5\x80\x80\x80"};
+  constexpr int kRareOneIn = 60;
+  for (const text::SimdPath path : text::supportedSimdPaths()) {
+    text::forceSimdPath(path);
+    std::mt19937 random(11);
+    for (int sample = 0; sample < 3000; ++sample) {
+      std::string utf8;
+      for (std::size_t length = random() % 300; utf8.size() < length;) {
+        utf8 += random() % kRareOneIn == 0 ? kRare[random() % std::size(kRare)]
+                                           : kCommon[random() % std::size(kCommon)];
+      }
+      std::vector<char32_t> decoded(utf8.size() + 1);
+      const auto units = text::decodeUtf8(
+          std::span(reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()),
+          decoded.data());
+      const std::u32string_view codePoints(decoded.data(), units.units);
+      for (const std::int64_t options : {0, 1}) {
+        ASSERT_EQ(encodeHtmlEntities(std::string_view(utf8), options),
+                  encodeHtmlEntities(codePoints, options))
+            << text::simdPathName(path) << ' ' << sample;
+        const auto xml = encodeXmlEntities(codePoints, options);
+        ASSERT_EQ(encodeXmlEntities(std::string_view(utf8), options),
+                  asUtf8(xml ? std::optional<std::u32string_view>(*xml) : std::nullopt))
+            << text::simdPathName(path) << ' ' << sample;
+      }
+    }
+  }
+  text::forceSimdPath(text::supportedSimdPaths().back());
 }
 
 TEST(EntitiesKernel, DecoderPrefixMatchAndNumericReferences) {
