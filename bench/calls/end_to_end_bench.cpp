@@ -3,11 +3,13 @@
 // of a call (reading the argument, building the result string) shows.
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
 #include <cstring>
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <type_traits>
-#include <vector>
 
 #include "kernels/bench_inputs.h"
 #include "loaded_plugin.h"
