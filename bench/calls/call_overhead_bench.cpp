@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 
+#include "loaded_plugin.h"
 #include "stand_in_host.h"
 
 namespace {
@@ -12,18 +13,9 @@ namespace {
 constexpr const char* kTrivialCall = "IsASCIIStringZEL(s as string) as boolean";
 constexpr std::string_view kArgument = "plain ascii text";
 
-// Loaded once: every benchmark of this file calls into the same plug-in instance.
-bool pluginLoaded() {
-  static const bool loaded = [] {
-    zelhost::configure({});
-    zelhost::loadPlugin(ZEL_PLUGIN_PATH);
-    return zelhost::findMethod(kTrivialCall) != nullptr;
-  }();
-  return loaded;
-}
-
 void BM_BoundCall(benchmark::State& state) {
-  if (!pluginLoaded()) return state.SkipWithError("the trivial call is not registered yet");
+  if (!zelbench::pluginRegisters(kTrivialCall))
+    return state.SkipWithError("the trivial call is not registered yet");
   const auto function = zelhost::bind<RBBoolean, REALstring>(kTrivialCall);
   REALstring argument = zelhost::makeString(kArgument);
   for (auto _ : state) benchmark::DoNotOptimize(function(argument));
@@ -32,7 +24,8 @@ void BM_BoundCall(benchmark::State& state) {
 BENCHMARK(BM_BoundCall);
 
 void BM_CallByDeclaration(benchmark::State& state) {
-  if (!pluginLoaded()) return state.SkipWithError("the trivial call is not registered yet");
+  if (!zelbench::pluginRegisters(kTrivialCall))
+    return state.SkipWithError("the trivial call is not registered yet");
   REALstring argument = zelhost::makeString(kArgument);
   for (auto _ : state) benchmark::DoNotOptimize(zelhost::call<RBBoolean>(kTrivialCall, argument));
   zelhost::release(argument);
