@@ -1,6 +1,6 @@
 // Host exceptions: compiled host code sees an exception after the registered function returns;
 // under PluginCallFunctionWithExceptionHandler the handler takes it instead.
-#include <vector>
+#include <utility>
 
 #include "host_strings.h"
 #include "objects.h"
@@ -9,17 +9,12 @@ namespace zelhost {
 namespace detail {
 namespace {
 
-// One reference held on each slot's object.
-struct ExceptionSlots {
-  REALobject pending = nullptr;
-  std::vector<REALobject> handlers;
-
-  ~ExceptionSlots() {
-    if (pending != nullptr) releaseObject(pending, "pending exception");
-  }
-};
-
-thread_local ExceptionSlots slots;
+// One reference held on each slot's object. Plain pointers only: a thread-local object with a
+// destructor is torn down after its storage is freed under some Windows runtimes, so a thread
+// that ends with an exception pending keeps that reference, and the live counts show it.
+thread_local REALobject pending = nullptr;
+// The innermost exception handler's slot on this thread, or null outside any handler.
+thread_local REALobject* handlerSlot = nullptr;
 
 void replace(REALobject& slot, REALobject exception) {
   if (slot != nullptr) releaseObject(slot, "RuntimeRaiseException");
@@ -31,7 +26,7 @@ void replace(REALobject& slot, REALobject exception) {
 void raiseException(REALobject exception) {
   if (liveObject(exception, "RuntimeRaiseException") == nullptr) return;
   retainObject(exception, "RuntimeRaiseException");
-  replace(slots.handlers.empty() ? slots.pending : slots.handlers.back(), exception);
+  replace(handlerSlot != nullptr ? *handlerSlot : pending, exception);
 }
 
 REALobject makeException(std::string_view name, std::string_view message) {
@@ -43,17 +38,15 @@ REALobject makeException(std::string_view name, std::string_view message) {
 }
 
 REALobject runWithExceptionHandler(service::ExceptionHandledFunction function, void* context) {
-  slots.handlers.push_back(nullptr);
+  REALobject caught = nullptr;
+  REALobject* const outer = std::exchange(handlerSlot, &caught);
   function(context);
-  const REALobject caught = slots.handlers.back();
-  slots.handlers.pop_back();
+  handlerSlot = outer;
   return caught;
 }
 
 REALobject takeRaisedObject() {
-  const REALobject taken = slots.pending;
-  slots.pending = nullptr;
-  return taken;
+  return std::exchange(pending, nullptr);
 }
 
 RaisedException describeException(REALobject exception) {
