@@ -16,8 +16,6 @@ constexpr std::uint8_t kLowNibble = 0x0F;
 constexpr std::uint8_t kDecimalDigits = 10;
 constexpr std::uint8_t kLetterDigits = 6;
 constexpr std::uint8_t kLowerCaseBit = 0x20;
-// Distance from '9' + 1 to 'A': added to the nibbles above 9.
-constexpr std::uint8_t kLetterGap = 'A' - '9' - 1;
 
 // The rules for one byte or pair, used by every path for the bytes its blocks leave over.
 struct Scalar {
@@ -58,6 +56,9 @@ void decodeBlocks(const char* digits, std::size_t pairs, char* out) noexcept {
 }
 
 #if defined(__x86_64__)
+
+// Distance from '9' + 1 to 'A': added to the nibbles above 9.
+constexpr std::uint8_t kLetterGap = 'A' - '9' - 1;
 
 struct Sse2Hex {
   static constexpr std::size_t kWidth = lanes::Sse2::kWidth;
