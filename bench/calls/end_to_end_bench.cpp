@@ -76,9 +76,8 @@ std::span<const std::uint8_t> bytesOf(std::string_view text) {
   return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
-template <class Unit>
-std::basic_string<Unit> decoded(std::string_view utf8) {
-  std::basic_string<Unit> units(utf8.size() + 1, Unit{});
+std::u16string utf16Of(std::string_view utf8) {
+  std::u16string units(utf8.size() + 1, u'\0');
   units.resize(zel::text::decodeUtf8(bytesOf(utf8), units.data()).units);
   return units;
 }
@@ -195,7 +194,7 @@ void composeCall(benchmark::State& state) {
                              mixedScripts().size(), text.get());
 }
 void composeKernel(benchmark::State& state) {
-  const std::u16string text = decoded<char16_t>(mixedScripts());
+  const std::u16string text = utf16Of(mixedScripts());
   runKernel(state, mixedScripts().size(),
             [&text] { return zel::strings::composeCharacters(text); });
 }
